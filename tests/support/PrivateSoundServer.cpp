@@ -1,0 +1,136 @@
+#include "tests/support/PrivateSoundServer.h"
+
+#include <chrono>
+#include <csignal>
+#include <cstdint>
+#include <cstring>
+#include <filesystem>
+#include <thread>
+
+namespace endpin::testing {
+namespace {
+
+using namespace std::chrono_literals;
+
+// Rewinding would delay the null sinks by seconds and tear gaps into what they pass on.
+constexpr const char* kSpeaker = "module-null-sink sink_name=speaker norewinds=1 rate=48000";
+constexpr const char* kMicrophoneFeed =
+    "module-null-sink sink_name=micfeed norewinds=1 rate=48000 channels=1";
+const std::vector<std::string> kMicrophone = {"module-remap-source", "source_name=virtmic",
+                                              "master=micfeed.monitor"};
+
+std::string joined(const std::vector<std::string>& words) {
+  std::string text;
+  for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
+  return text;
+}
+
+}  // namespace
+
+Environment PrivateSoundServer::environment() const {
+  return {{"HOME", folder_.path().string()},
+          {"XDG_RUNTIME_DIR", folder_.path().string()},
+          {"XDG_CONFIG_HOME", folder_.file("config")},
+          {"XDG_DATA_HOME", folder_.file("data")},
+          {"XDG_STATE_HOME", folder_.file("state")},
+          {"XDG_CACHE_HOME", folder_.file("cache")},
+          {"PULSE_RUNTIME_PATH", folder_.file("pulse")},
+          {"PULSE_STATE_PATH", folder_.file("pulse-state")},
+          {"PULSE_SERVER", "unix:" + socket()}};
+}
+
+bool PrivateSoundServer::start() {
+  kill();
+  for (const char* name : {"pulse", "pulse-state"}) {
+    std::filesystem::create_directory(folder_.path() / name);
+    std::filesystem::permissions(folder_.path() / name, std::filesystem::perms::owner_all);
+  }
+  const std::string protocol =
+      "module-native-protocol-unix socket=" + socket() + " auth-anonymous=1 auth-cookie-enabled=0";
+  server_ = std::make_unique<ChildProcess>(
+      Command{"pulseaudio", "-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1",
+              "--disable-shm=yes", "--realtime=no", "--high-priority=no", "-L", protocol, "-L",
+              kSpeaker, "-L", kMicrophoneFeed, "-L", joined(kMicrophone)},
+      environment());
+  if (!answersInTime()) return false;
+  if (control({"set-default-sink", "speaker"}) && control({"set-default-source", "virtmic"}) &&
+      hasMicrophone()) {
+    return true;
+  }
+  reason_ = "the private sound server has no virtual microphone";
+  return false;
+}
+
+bool PrivateSoundServer::answersInTime() {
+  const auto deadline = std::chrono::steady_clock::now() + 10s;
+  while (std::chrono::steady_clock::now() < deadline) {
+    if (!server_->running()) {
+      const int code = *server_->waitFor(0ms);
+      reason_ = code == 127 ? "the program pulseaudio is not installed"
+                            : "pulseaudio ended with code " + std::to_string(code) + ": " +
+                                  server_->errors();
+      return false;
+    }
+    if (control({"info"})) return true;
+    std::this_thread::sleep_for(10ms);
+  }
+  reason_ = "pulseaudio (or pactl) did not answer within 10 s";
+  return false;
+}
+
+bool PrivateSoundServer::control(const std::vector<std::string>& words, std::string* answer) const {
+  Command command = {"pactl"};
+  command.insert(command.end(), words.begin(), words.end());
+  const Finished finished = runToEnd(command, 5s, environment());
+  if (answer != nullptr) *answer = finished.output;
+  return finished.exitCode == 0;
+}
+
+ChildProcess PrivateSoundServer::playIntoMicrophone(const std::string& path) const {
+  return ChildProcess({"paplay", "--latency-msec=50", "--device=micfeed", path}, environment());
+}
+
+ChildProcess PrivateSoundServer::record(const std::string& device) const {
+  return ChildProcess({"parec", "--latency-msec=20", "--device=" + device, "--format=s16le",
+                       "--rate=48000", "--channels=1", "--raw"},
+                      environment());
+}
+
+Sound PrivateSoundServer::recorded(const ChildProcess& recording) {
+  const std::string bytes = recording.output();
+  Sound sound{48000.0, std::vector<float>(bytes.size() / 2)};
+  for (size_t i = 0; i < sound.samples.size(); ++i) {
+    std::int16_t sample = 0;
+    std::memcpy(&sample, bytes.data() + 2 * i, sizeof sample);
+    sound.samples[i] = static_cast<float>(sample) / 32768.0F;
+  }
+  return sound;
+}
+
+void PrivateSoundServer::kill() {
+  server_.reset();
+}
+void PrivateSoundServer::freeze() {
+  server_->signal(SIGSTOP);
+}
+void PrivateSoundServer::thaw() {
+  server_->signal(SIGCONT);
+}
+
+bool PrivateSoundServer::hasMicrophone() const {
+  std::string sources;
+  return control({"list", "short", "sources"}, &sources) &&
+         sources.find("\tvirtmic\t") != std::string::npos;
+}
+
+bool PrivateSoundServer::removeMicrophone() {
+  return hasMicrophone() && control({"unload-module", "module-remap-source"}) && !hasMicrophone();
+}
+
+bool PrivateSoundServer::addMicrophone() {
+  std::vector<std::string> words = {"load-module"};
+  words.insert(words.end(), kMicrophone.begin(), kMicrophone.end());
+  return control(words) && control({"set-default-source", "virtmic"}) && hasMicrophone();
+}
+
+}  // namespace endpin::testing

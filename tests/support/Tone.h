@@ -1,0 +1,53 @@
+// Sounds made by arithmetic, for tests that must know exactly what is in them, and the files that
+// carry them.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace endpin::testing {
+
+// One channel, full scale ±1, at `rate` samples a second (the capture rate is no whole number).
+struct Sound {
+  double rate = 48000.0;
+  std::vector<float> samples;
+
+  double seconds() const { return static_cast<double>(samples.size()) / rate; }
+};
+
+// amplitudes[0] belongs to the fundamental, amplitudes[1] to twice its frequency, and so on; each
+// is a peak value. All start as sines at phase 0; those at or above half the rate are left out.
+Sound harmonics(double rate, double seconds, double fundamental,
+                const std::vector<double>& amplitudes);
+
+// What a bowed string is to these tests: 12 harmonics falling like 1/k, at this RMS level.
+Sound bowedTone(double rate, double seconds, double fundamental, double level = 0.1);
+
+// White, Gaussian, of this RMS level; equal seeds make equal noise on every machine.
+Sound noise(double rate, double seconds, double level, std::uint32_t seed = 1);
+Sound silence(double rate, double seconds);
+
+double rms(const Sound& sound);
+Sound scaledToRms(Sound sound, double level);
+// Both need equal rates; mixed() is as long as the longer one.
+Sound mixed(Sound sound, const Sound& other);
+Sound joined(Sound sound, const Sound& next);
+Sound slice(const Sound& sound, double fromSeconds, double toSeconds);
+// The same sound at another rate, at the same pitch.
+Sound resampled(const Sound& sound, double rate);
+
+// Rounded to nearest, clipped at full scale.
+std::vector<std::int16_t> toS16(const Sound& sound);
+
+// Each channel carries the whole sound. `format` is libsndfile's (SF_FORMAT_WAV |
+// SF_FORMAT_PCM_16). The rate is rounded to whole hertz. A file that cannot be written throws
+// std::runtime_error.
+void writeSoundFile(const std::string& path, const Sound& sound, int format, int channels = 1);
+void writeWav(const std::string& path, const Sound& sound, int channels = 1);
+// Headerless, signed 16-bit little-endian, at whatever rate the sound has.
+void writeRawS16(const std::string& path, const Sound& sound);
+// The first channel of a sound file.
+Sound readSoundFile(const std::string& path);
+
+}  // namespace endpin::testing
