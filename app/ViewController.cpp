@@ -1,0 +1,144 @@
+#include "app/ViewController.h"
+
+#include <fmt/format.h>
+
+#include <cstddef>
+#include <string>
+
+#include "app/Localisation.h"
+#include "app/SettingsRestore.h"
+#include "audio/LumoListener.h"
+#include "tuner/VolumeWarning.h"
+
+namespace endpin {
+namespace {
+
+constexpr double kTickSeconds = 0.1;
+constexpr double kVolumeCheckSeconds = 0.5;
+
+}  // namespace
+
+ViewController::ViewController(Platform& platform, bool demoModeEnabled)
+    : platform_(platform),
+      demoModeEnabled_(demoModeEnabled),
+      feedback_(*this, {platform.audioPlayers, platform.runLoop, platform.settings, platform.device,
+                        platform.bundle, platform.log}),
+      calibration_(*this, {platform.settings, platform.device, platform.bundle, platform.log}),
+      tuningFork_(*this, platform.audioOutput),
+      tick_(*this, sensitivity_, feedback_, platform.runLoop, [this] { promptToReview(); }) {
+  LumoListener::usePorts({platform.audioInput, platform.audioSession, platform.log});
+}
+
+void ViewController::viewDidLoad() {
+  platform_.device.setIdleTimerDisabled(true);
+  configureAudioSession();
+  if (demoModeEnabled_) {
+    demoMode();
+    displayAboutText();
+    platform_.log.line("Demo mode ON. No sound detection available.");
+    return;
+  }
+  LumoListener::sharedListener()->listen();
+  timer = platform_.runLoop.scheduleTimer(kTickSeconds, [this] { tickFree(); });
+  displayAboutText();
+  platform_.log.line("Demo mode OFF, Sound detection started...");
+}
+
+void ViewController::configureAudioSession() {
+  AudioSession& session = platform_.audioSession;
+  const auto error =
+      session.setCategory(AudioSessionCategory::PlayAndRecord, kAudioSessionDefaultToSpeaker);
+  session.setMode(AudioSessionMode::Measurement);
+  if (error) {
+    platform_.log.line("Error creating session: " + *error);
+  } else {
+    session.setActive(true);
+  }
+}
+
+void ViewController::viewWillAppear(bool /*animated*/) {
+  tuningFork_.synthesizer().curTone = ToneSynthesizer::Square;
+  timer = platform_.runLoop.scheduleTimer(kVolumeCheckSeconds, [this] { checkVolume(); });
+  if (!demoModeEnabled_) setupAudio();
+  tuningFork_.curPlayState = TuningFork::Stopped;
+  prepareBeepSound();
+  loadSettings(platform_.settings, platform_.log,
+               {*this, *this, sensitivity_, feedback_, calibration_});
+  calibration_.deriveFrequencies();
+  displayChart();
+  localizeSettings();
+}
+
+void ViewController::tickFree() {
+  LumoListener& listener = *LumoListener::sharedListener();
+  lastReading_.power = listener.averagePower();
+  lastReading_.frequency = listener.frequency();
+  tick_.run(lastReading_, stringReferences());
+}
+
+StringReferences ViewController::stringReferences() const {
+  StringReferences references;
+  for (std::size_t i = 0; i < references.size(); ++i) {
+    references[i] = {calibration_.frequencies()[i], calibration_.toleranceBases()[i]};
+  }
+  return references;
+}
+
+void ViewController::micSensitivity(Slider& sender) {
+  sensitivity_.micSensitivity(sender, *micSensitivitySlider, platform_.settings, platform_.log);
+}
+
+void ViewController::checkVolume() {
+  showVolumeWarning(platform_.audioSession.outputVolume(), *this);
+}
+
+void ViewController::choosePreset(std::int64_t a4InHz) {
+  calibration_.choosePreset(*presetFor(a4InHz), [this] {
+    promptToReview();
+    removeRings();
+  });
+  if (demoModeEnabled_) demoMode();
+}
+
+void ViewController::setFrequencyValue(const Stepper& sender) {
+  calibration_.setFrequencyValue(sender);
+  if (demoModeEnabled_) demoMode();
+}
+
+void ViewController::displayChart() {
+  calibration_.displayChart();
+  if (demoModeEnabled_) demoMode();
+}
+
+void ViewController::toggleFreqChart(const Switch& sender) {
+  calibration_.chart().toggleFreqChart(sender, platform_.settings, platform_.log);
+}
+
+void ViewController::playString(int number) {
+  const double frequency = calibration_.frequencies()[static_cast<std::size_t>(number - 1)];
+  tuningFork_.play(number, frequency, !demoModeEnabled_);
+}
+
+void ViewController::localizeSettings() {
+  endpin::localizeSettings(platform_.bundle, *this);
+}
+
+void ViewController::displayAboutText() {
+  endpin::displayAboutText(platform_.bundle, *this);
+}
+
+void ViewController::demoMode() {
+  goToSettingsButton->setEnabled(true);
+  tuningForkButton->setEnabled(true);
+  setTunedStringsHidden(false);
+  setLamp("green64.png", "green128.png");
+  feedback_.displayTunedString(1);
+  noteDisplay->setText("A3");
+  freq_label->setText(fmt::format("{:.1f}Hz", calibration_.frequencies()[0]));
+}
+
+void ViewController::promptToReview() {
+  if (demoModeEnabled_) return;
+}
+
+}  // namespace endpin
