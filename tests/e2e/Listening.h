@@ -1,0 +1,62 @@
+// What `endpin-cli listen --json` said, line by line, and what a test wants to know about it.
+#pragma once
+
+#include <array>
+#include <chrono>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "tests/support/ChildProcess.h"
+#include "tests/support/SampledCello.h"
+
+namespace endpin::testing {
+
+struct Tick {
+  double time = 0.0;
+  double power = 0.0;
+  float frequency = 0.0F;
+  std::string label;
+  std::string note;
+  std::string lamp;
+  std::array<bool, 4> rings{};
+  int beeps = 0;
+
+  bool green() const { return lamp == "green64.png"; }
+};
+using Ticks = std::vector<Tick>;
+
+// Reads every complete line. Throws std::runtime_error, with the line, when one is not a JSON
+// object with exactly the eight keys of a tick.
+Ticks parseTicks(const std::string& output);
+
+// `endpin-cli` with these arguments, as a command.
+Command endpin(const std::vector<std::string>& arguments);
+
+// Whether a reading lies in the string's in-tune band at A4 = 440, from the reference frequencies
+// and their divisors anew.
+bool inBand(int string, double frequency);
+int countOf(const Ticks& ticks, const std::function<bool(const Tick&)>& holds);
+
+// Expects that the ticks judge this string (0 = A3) and no other: its note whenever the lamp is
+// green, its ring and no other, at least one beep.
+void expectJudged(const Ticks& ticks, int string);
+// Expects that no tick lit the lamp, a ring, a note or the beep.
+void expectNoJudgement(const Ticks& ticks);
+
+// A live `endpin-cli listen --json` and what it has said so far.
+class LiveListener {
+ public:
+  explicit LiveListener(const Environment& environment,
+                        const std::vector<std::string>& arguments = {});
+
+  ChildProcess& child() { return child_; }
+  Ticks ticks() const { return parseTicks(child_.output()); }
+  // Waits for a new tick of this kind; false when the time is up or the program has ended.
+  bool hears(const std::function<bool(const Tick&)>& holds, std::chrono::milliseconds limit);
+
+ private:
+  ChildProcess child_;
+};
+
+}  // namespace endpin::testing
