@@ -1,0 +1,45 @@
+#include "tools/SoundWriter.h"
+
+#include <sndfile.h>
+
+#include <memory>
+#include <stdexcept>
+
+namespace endpin {
+namespace {
+
+int libraryFormat(SoundFormat format) {
+  return format == SoundFormat::Mp3 ? SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III
+                                    : SF_FORMAT_FLAC | SF_FORMAT_PCM_16;
+}
+
+std::runtime_error failure(const std::string& path, const char* reason) {
+  return std::runtime_error("cannot write " + path + ": " + reason);
+}
+
+}  // namespace
+
+void writeSound(const std::string& path, SoundFormat format, int sampleRate,
+                const std::vector<float>& samples) {
+  SF_INFO info{};
+  info.samplerate = sampleRate;
+  info.channels = 1;
+  info.format = libraryFormat(format);
+  std::unique_ptr<SNDFILE, int (*)(SNDFILE*)> file(sf_open(path.c_str(), SFM_WRITE, &info),
+                                                   &sf_close);
+  if (!file) throw failure(path, sf_strerror(nullptr));
+
+  // Clipping instead of wrapping round, should a sample ever leave the scale.
+  sf_command(file.get(), SFC_SET_CLIPPING, nullptr, SF_TRUE);
+  // Only the float entry points reach the MP3 encoder undamaged.
+  const auto count = static_cast<sf_count_t>(samples.size());
+  if (sf_writef_float(file.get(), samples.data(), count) != count) {
+    throw failure(path, sf_strerror(file.get()));
+  }
+  // The encoders hold the end of the sound back until they are closed.
+  if (const int error = sf_close(file.release()); error != 0) {
+    throw failure(path, sf_error_number(error));
+  }
+}
+
+}  // namespace endpin
