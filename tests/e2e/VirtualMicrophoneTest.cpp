@@ -6,7 +6,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <memory>
+#include <filesystem>
 #include <optional>
 #include <thread>
 
@@ -41,17 +41,18 @@ class VirtualMicrophone : public ::testing::Test {
     if (!server_.start()) GTEST_SKIP() << server_.reason();
   }
 
-  // A note of 60 s without a gap: it is still sounding whenever a test looks.
-  ChildProcess playForAMinute(double frequency) {
-    const std::string path = server_.folder().file("tone.wav");
-    writeWav(path, bowedTone(48000.0, 60.0, frequency));
-    return server_.playIntoMicrophone(path);
+  // A note that is still sounding whenever a test looks. Written once: it takes a while.
+  std::string longNote(double frequency) {
+    const std::string path = server_.folder().file(std::to_string(frequency) + ".wav");
+    if (!std::filesystem::exists(path)) writeWav(path, bowedTone(48000.0, 30.0, frequency));
+    return path;
   }
 
   // Expects a program that listens again, to a tone begun now, within three seconds.
   void expectHearingAgain(LiveListener& listener, const char* after) {
+    const std::string note = longNote(kCelloStrings[1].frequency);
     const auto start = Clock::now();
-    const auto player = playForAMinute(146.8323839594813);
+    const auto player = server_.playIntoMicrophone(note);
     EXPECT_TRUE(listener.hears(sounding, 10s)) << listener.child().errors();
     const double seconds = secondsSince(start);
     std::printf("  hears again %.2f s after %s\n", seconds, after);
@@ -97,7 +98,7 @@ TEST_F(VirtualMicrophone, EveryStringOfASampledCelloLightsItsOwnGreen) {
 TEST_F(VirtualMicrophone, ListeningResumesWhenTheServerOrTheMicrophoneComesBack) {
   LiveListener listener(server_.environment());
   {
-    const auto player = playForAMinute(146.8323839594813);
+    const auto player = server_.playIntoMicrophone(longNote(kCelloStrings[1].frequency));
     ASSERT_TRUE(listener.hears(greenAt(1), 8s)) << listener.child().errors();
     server_.kill();
     EXPECT_TRUE(listener.hears(cleared, 3s)) << "a dead server still has a level";
@@ -153,7 +154,7 @@ TEST_F(VirtualMicrophone, IsListedAndCanBeChosenByName) {
   EXPECT_EQ(list.exitCode, 0) << list.errors;
   EXPECT_NE(list.output.find("virtmic"), std::string::npos) << list.output;
   LiveListener listener(server_.environment(), {"--input-device", "virtmic"});
-  const auto player = playForAMinute(220.0);
+  const auto player = server_.playIntoMicrophone(longNote(220.0));
   EXPECT_TRUE(listener.hears(greenAt(0), 8s)) << listener.child().errors();
   const Finished unknown = runToEnd(endpin({"listen", "--json", "--input-device", "no-such"}), 5s,
                                     server_.environment());

@@ -6,6 +6,7 @@
 #include <map>
 #include <stdexcept>
 #include <tuple>
+#include <utility>
 
 #include "tests/support/ChildProcess.h"
 #include "tests/support/HarmonicFit.h"
@@ -62,14 +63,6 @@ Sound rendered(int program, int note, double seconds) {
   return readSoundFile(wav);
 }
 
-const Sound& renderedOnce(int program, int note, double seconds) {
-  static std::map<std::tuple<int, int, double>, Sound> cache;
-  const auto key = std::tuple(program, note, seconds);
-  const auto found = cache.find(key);
-  if (found != cache.end()) return found->second;
-  return cache.emplace(key, rendered(program, note, seconds)).first->second;
-}
-
 // Fewer samples, a higher pitch: what lay at `from` lies at `to` afterwards, at the same rate.
 Sound repitched(const Sound& sound, double from, double to) {
   Sound result = resampled(sound, sound.rate * from / to);
@@ -83,6 +76,24 @@ double equalTempered(int midiNote) {
 
 Sound steadyPart(const Sound& sound, const CelloNote& note) {
   return note.plucked ? slice(sound, 0.05, 0.8) : slice(sound, 0.5, note.seconds - 0.5);
+}
+
+struct Rendered {
+  Sound sound;
+  double fundamental;
+};
+
+const Rendered& renderedOnce(const CelloNote& note, double seconds) {
+  static std::map<std::tuple<int, bool, double>, Rendered> cache;
+  const auto key = std::tuple(note.midiNote, note.plucked, seconds);
+  const auto found = cache.find(key);
+  if (found != cache.end()) return found->second;
+  CelloNote asRendered = note;
+  asRendered.seconds = seconds;
+  Sound sound = rendered(note.plucked ? kPlucked : kBowed, note.midiNote, seconds);
+  const double fundamental =
+      fundamentalOf(steadyPart(sound, asRendered), equalTempered(note.midiNote));
+  return cache.emplace(key, Rendered{std::move(sound), fundamental}).first->second;
 }
 
 }  // namespace
@@ -99,15 +110,10 @@ double measuredPitch(const Sound& sound, const CelloNote& note) {
 
 Sound sampledCello(const CelloNote& note) {
   const double wanted = raisedByCents(note.frequency, note.cents);
-  const double expected = equalTempered(note.midiNote);
   // Rendered a little longer than asked for: raising the pitch shortens it.
-  const double renderSeconds = std::ceil(note.seconds * wanted / expected * 1.02 + 0.1);
-  const Sound& original =
-      renderedOnce(note.plucked ? kPlucked : kBowed, note.midiNote, renderSeconds);
-  CelloNote asRendered = note;
-  asRendered.seconds = renderSeconds;
-  const double found = fundamentalOf(steadyPart(original, asRendered), expected);
-  Sound sound = scaledToRms(repitched(original, found, wanted), note.level);
+  const double ratio = wanted / equalTempered(note.midiNote);
+  const Rendered& original = renderedOnce(note, std::ceil(note.seconds * ratio * 1.02 + 0.1));
+  Sound sound = scaledToRms(repitched(original.sound, original.fundamental, wanted), note.level);
   const double error = centsBetween(measuredPitch(sound, note), wanted);
   if (std::abs(error) > (note.plucked ? 0.5 : 0.05)) {
     throw std::runtime_error("the retuned note is off by " + std::to_string(error) + " cents");
