@@ -4,7 +4,9 @@
 // everything else here. Neither waits for the other.
 #pragma once
 
+#include <array>
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -37,12 +39,20 @@ class ToneSynthesizer {
     float triangleDirection = 1.0F;   // slope of the triangle, +1 or -1
     double sawtoothValue = 0.0;       // above -1, up to 1
     double squareValue = 0.0;         // +1 or -1 once running
+  };
 
-    void advance(float frequency);
-    [[nodiscard]] double sample(std::uint64_t tone, float harmonicPercent) const;
+  // A few samples are made in two sweeps: first the sines, then everything that follows from them.
+  // The call to `sin` costs every value that a register holds, so it is kept apart.
+  static constexpr std::size_t kSweep = 64;
+  struct Sweep {
+    std::array<double, kSweep> sine;
+    std::array<double, kSweep> increment;
+    std::array<double, kSweep> nextPhase;
   };
 
   void render(std::uint32_t frames, std::uint32_t* output);
+  void sweepPhase(std::size_t frames, Sweep& sweep);
+  void sweepWaveforms(std::size_t frames, const Sweep& sweep, std::uint32_t* output);
 
   static constexpr float kHarmonicPercent = 50.0F;  // share of the waveform in the blend
 
