@@ -1,0 +1,23 @@
+// What every microphone of ours delivers: one channel of signed 16-bit samples at 7019.5 Hz.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "ports/AudioInput.h"
+
+namespace endpin {
+
+inline constexpr double kCaptureRate = 7019.5;               // hertz
+inline constexpr std::uint64_t kCaptureRateDoubled = 14039;  // samples in two seconds
+inline constexpr std::size_t kBlockSamples = 4096;           // of one buffer, about 0.58 s
+inline constexpr std::size_t kBlockBytes = kBlockSamples * sizeof(std::int16_t);
+
+// Whether `format` is the one that the microphones deliver; they convert to no other.
+[[nodiscard]] constexpr bool isCaptureFormat(const AudioStreamFormat& format) {
+  return format.mSampleRate == kCaptureRate && format.mFormatID == kAudioFormatLinearPCM &&
+         (format.mFormatFlags & kAudioFormatFlagIsSignedInteger) != 0 &&
+         format.mChannelsPerFrame == 1 && format.mBitsPerChannel == 16;
+}
+
+}  // namespace endpin

@@ -1,0 +1,111 @@
+#include "adapters/capture/CaptureQueue.h"
+
+#include <algorithm>
+
+namespace endpin {
+namespace {
+
+constexpr AudioStatus kSuccess = 0;
+constexpr AudioStatus kBadParameter = -50;
+
+}  // namespace
+
+AudioStatus CaptureQueue::allocateBuffer(std::uint32_t byteSize, AudioInputBuffer** buffer) {
+  if (!buffer) return kBadParameter;
+  *buffer = nullptr;
+  if (byteSize < kBlockBytes) return kBadParameter;
+  auto owned = std::make_unique<OwnedBuffer>();
+  owned->samples.resize(byteSize / sizeof(std::int16_t));
+  owned->buffer = {.mAudioData = owned->samples.data(), .mAudioDataBytesCapacity = byteSize};
+  *buffer = &owned->buffer;
+  const std::lock_guard lock(buffersMutex_);
+  buffers_.push_back(std::move(owned));
+  return kSuccess;
+}
+
+AudioStatus CaptureQueue::enqueueBuffer(AudioInputBuffer* buffer) {
+  const std::lock_guard lock(buffersMutex_);
+  const bool ours = std::any_of(buffers_.begin(), buffers_.end(),
+                                [&](const auto& owned) { return &owned->buffer == buffer; });
+  if (!ours) return kBadParameter;
+  queued_.push_back(buffer);
+  return kSuccess;
+}
+
+AudioStatus CaptureQueue::start() {
+  const std::lock_guard lock(deliveryMutex_);
+  stopAfterBlock_ = false;
+  started_ = true;
+  return kSuccess;
+}
+
+AudioStatus CaptureQueue::stop(bool immediate) {
+  const std::lock_guard lock(deliveryMutex_);
+  if (!immediate && collected_ > 0) {
+    stopAfterBlock_ = true;
+    return kSuccess;
+  }
+  started_ = false;
+  collected_ = 0;
+  meter_.clear();
+  return kSuccess;
+}
+
+AudioStatus CaptureQueue::isRunning(std::uint32_t& running) const {
+  running = started_ && delivering_ ? 1 : 0;
+  return kSuccess;
+}
+
+AudioStatus CaptureQueue::enableLevelMetering(std::uint32_t enable) {
+  metering_ = enable != 0;
+  return kSuccess;
+}
+
+AudioStatus CaptureQueue::currentLevelMeter(LevelMeterState* levels, std::uint32_t byteSize) const {
+  if (!levels || byteSize < sizeof(LevelMeterState)) return kBadParameter;
+  *levels = metering_ ? meter_.levels() : LevelMeterState{};
+  return kSuccess;
+}
+
+void CaptureQueue::deliver(std::span<const std::int16_t> samples) {
+  const std::lock_guard lock(deliveryMutex_);
+  delivering_ = true;
+  while (started_ && !samples.empty()) {
+    const auto part = samples.first(std::min(samples.size(), missingSamples()));
+    std::copy(part.begin(), part.end(), block_.begin() + static_cast<std::ptrdiff_t>(collected_));
+    collected_ += part.size();
+    meter_.add(part);
+    if (collected_ == kBlockSamples) finishBlock();
+    samples = samples.subspan(part.size());
+  }
+}
+
+void CaptureQueue::finishBlock() {
+  collected_ = 0;
+  if (AudioInputBuffer* buffer = takeBuffer()) {
+    std::copy(block_.begin(), block_.end(), buffer->mAudioData);
+    buffer->mAudioDataByteSize = static_cast<std::uint32_t>(kBlockBytes);
+    callback_(userData_, this, buffer);
+  } else {
+    ++lostBlocks_;
+  }
+  if (stopAfterBlock_) started_ = stopAfterBlock_ = false;
+}
+
+AudioInputBuffer* CaptureQueue::takeBuffer() {
+  const std::lock_guard lock(buffersMutex_);
+  if (queued_.empty()) return nullptr;
+  AudioInputBuffer* buffer = queued_.front();
+  queued_.pop_front();
+  return buffer;
+}
+
+void CaptureQueue::deviceLost() {
+  const std::lock_guard lock(deliveryMutex_);
+  delivering_ = false;
+  if (stopAfterBlock_) started_ = stopAfterBlock_ = false;
+  collected_ = 0;
+  meter_.clear();
+}
+
+}  // namespace endpin

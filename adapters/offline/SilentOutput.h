@@ -1,0 +1,27 @@
+// An audio output that takes every order and never pulls a sample. Thread: main.
+#pragma once
+
+#include <memory>
+
+#include "ports/AudioOutput.h"
+
+namespace endpin {
+
+class SilentOutput : public AudioOutput {
+ public:
+  std::unique_ptr<AudioOutputUnit> newOutputUnit() override { return std::make_unique<Unit>(); }
+
+ private:
+  class Unit : public AudioOutputUnit {
+   public:
+    AudioStatus setStreamFormat(const AudioStreamFormat& /*format*/) override { return 0; }
+    AudioStatus setRenderCallback(AudioRenderCallback /*callback*/, void* /*userData*/) override {
+      return 0;
+    }
+    AudioStatus initialize() override { return 0; }
+    AudioStatus start() override { return 0; }
+    AudioStatus stop() override { return 0; }
+  };
+};
+
+}  // namespace endpin

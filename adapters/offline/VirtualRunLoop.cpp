@@ -1,0 +1,32 @@
+#include "adapters/offline/VirtualRunLoop.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace endpin {
+
+RunLoop::TimerId VirtualRunLoop::scheduleTimer(double seconds, Call fire) {
+  return agenda_.addTimer(now_, seconds, std::move(fire));
+}
+
+void VirtualRunLoop::performAfterDelay(double seconds, Call call) {
+  performAt(now_ + seconds, std::move(call));
+}
+
+void VirtualRunLoop::performAt(double time, Call call) {
+  agenda_.addCall(std::max(time, now_), std::move(call));
+}
+
+void VirtualRunLoop::runUntil(double time) {
+  constexpr double kRounding = 1e-9;  // seconds
+  for (;;) {
+    while (mailbox_.deliver()) {
+    }
+    if (agenda_.nextDue() > time + kRounding) break;
+    now_ = std::max(now_, agenda_.nextDue());
+    agenda_.take(now_)();
+  }
+  now_ = std::max(now_, time);
+}
+
+}  // namespace endpin

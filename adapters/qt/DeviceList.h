@@ -1,0 +1,39 @@
+// The devices that the screen is drawn for: their idiom, their size and what their hardware covers.
+// A desktop simulates one of them. Thread: any.
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "ports/Device.h"
+
+namespace endpin {
+
+// Lengths in points, upright.
+struct DeviceModel {
+  InterfaceIdiom idiom;
+  double height;
+  double width;
+  double safeTop;     // under a notch or a camera
+  double safeBottom;  // under the home indicator
+};
+
+// Phones first, each kind by height.
+[[nodiscard]] std::span<const DeviceModel> deviceList();
+
+// "phone:667", "tablet:1366": how a device is named on the command line.
+[[nodiscard]] std::string nameOf(const DeviceModel& model);
+[[nodiscard]] std::optional<DeviceModel> deviceNamed(std::string_view name);
+
+// What a desktop shows in a window.
+[[nodiscard]] const DeviceModel& desktopDevice();
+
+// The device whose layout is to fill a screen of this size (points): nothing on a desktop, which
+// shows a window. Small screens are those whose short side is under 500 points, and touch screens
+// that stand upright up to the size of a large tablet; a touch screen that lies is most likely a
+// laptop's.
+[[nodiscard]] std::optional<DeviceModel> deviceForScreen(double width, double height, bool touch);
+
+}  // namespace endpin

@@ -1,0 +1,78 @@
+// The window of the application: shows one layout, scaled as a whole and in its own proportions to
+// whatever size the window has, the room's colour around it. Thread: main, after the application
+// object.
+//
+// A layout is the QML file of its name. It gets the device's `width` and `height` (points),
+// `safeInsets` ({top, bottom}, points), `texts` (every text of the default table) and
+// `reducedMotion`; `openPanel` names the panel that slides over it, "" for none.
+#pragma once
+
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QString>
+#include <QVariantMap>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "adapters/qt/DeviceList.h"
+#include "adapters/qt/LayoutBinder.h"
+#include "ports/Screen.h"
+
+namespace endpin {
+
+enum class Presentation {
+  Window,   // of the device's size, smaller on a screen that is too low for it
+  Screen,   // fills the screen, which is the device
+  Picture,  // two pixels a point, to be saved
+};
+
+class LayoutWindow final : public Screen {
+ public:
+  struct Setup {
+    DeviceModel model;
+    Presentation presentation = Presentation::Window;
+    QVariantMap texts;
+    QString openPanel;
+    QString folder = QStringLiteral("qrc:/endpin/layouts/");  // URL, with a slash at the end
+  };
+
+  // `controller` and `log` outlive the window.
+  LayoutWindow(Setup setup, ViewController& controller, Log& log);
+
+  // With the layout bound, the controller is told that its view has loaded and is about to appear.
+  void installLayout(const std::string& name) override;
+  // A desktop has no status bar of the application's; a small screen has one, which goes when the
+  // window takes all of it.
+  [[nodiscard]] bool asksForStatusBar() const override { return true; }
+  void setNeedsStatusBarAppearanceUpdate(bool hidden) override;
+  void setStatusBarHidden(bool hidden, int animation) override;
+
+  [[nodiscard]] bool hasLayout() const { return root_ != nullptr; }
+  void setReducedMotion(bool reduced);
+
+  // Writes what the window shows now, at the density that it shows it in. Says what went wrong.
+  std::optional<std::string> saveScreenshot(const std::string& path);
+
+  QQuickWindow& window() { return window_; }
+  QQuickItem* root() { return root_.get(); }
+  // Where a point of the layout lies in the window.
+  [[nodiscard]] QPointF inWindow(QPointF layoutPoint) const;
+
+ private:
+  std::unique_ptr<QQuickItem> load(const std::string& name);
+  void show();
+  void arrange();
+
+  Setup setup_;
+  ViewController& controller_;
+  Log& log_;
+  bool reducedMotion_ = false;
+  QQmlEngine engine_;
+  QQuickWindow window_;
+  std::unique_ptr<QQuickItem> root_;
+  std::unique_ptr<LayoutBinder> binder_;
+};
+
+}  // namespace endpin

@@ -1,0 +1,11 @@
+#include "adapters/qt/QtDevice.h"
+
+#include <QSysInfo>
+
+namespace endpin {
+
+std::string QtDevice::systemVersion() const {
+  return QSysInfo::kernelVersion().toStdString();
+}
+
+}  // namespace endpin

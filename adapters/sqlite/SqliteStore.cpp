@@ -1,0 +1,77 @@
+#include "adapters/sqlite/SqliteStore.h"
+
+#include <utility>
+
+namespace endpin {
+
+SqliteStore::SqliteStore(const std::filesystem::path& path, Log& log)
+    : file_(path, log), values_(file_.takeLoaded()) {}
+
+SqliteStore::~SqliteStore() {
+  synchronize();
+}
+
+std::int64_t SqliteStore::integerForKey(std::string_view key) const {
+  return asInteger(valueFor(key).value_or(std::int64_t{0}));
+}
+
+bool SqliteStore::boolForKey(std::string_view key) const {
+  return asBool(valueFor(key).value_or(false));
+}
+
+double SqliteStore::doubleForKey(std::string_view key) const {
+  return asDouble(valueFor(key).value_or(0.0));
+}
+
+std::optional<std::string> SqliteStore::stringForKey(std::string_view key) const {
+  const auto value = valueFor(key);
+  if (!value) return {};
+  return asString(*value);
+}
+
+std::optional<SettingValue> SqliteStore::valueFor(std::string_view key) const {
+  const std::lock_guard lock(valuesMutex_);
+  const auto found = values_.find(key);
+  if (found == values_.end()) return {};
+  return found->second;
+}
+
+void SqliteStore::set(std::string_view key, SettingValue value) {
+  const std::lock_guard lock(valuesMutex_);
+  const auto found = values_.find(key);
+  if (found != values_.end() && found->second == value) return;
+  values_.insert_or_assign(std::string(key), std::move(value));
+  unwritten_.emplace(key);
+}
+
+void SqliteStore::removeAll() {
+  const std::lock_guard lock(valuesMutex_);
+  values_.clear();
+  unwritten_.clear();
+  clearUnwritten_ = true;
+}
+
+void SqliteStore::synchronize() {
+  const std::lock_guard lock(fileMutex_);
+  const SettingChanges changes = takePending();
+  if (!changes.clear && changes.values.empty()) return;
+  if (!file_.write(changes)) putBack(changes);
+}
+
+SettingChanges SqliteStore::takePending() {
+  const std::lock_guard lock(valuesMutex_);
+  SettingChanges changes{std::exchange(clearUnwritten_, false), {}};
+  for (const std::string& key : unwritten_) changes.values.emplace(key, values_.at(key));
+  unwritten_.clear();
+  return changes;
+}
+
+// For the next synchronize, unless everything has been forgotten meanwhile.
+void SqliteStore::putBack(const SettingChanges& changes) {
+  const std::lock_guard lock(valuesMutex_);
+  if (clearUnwritten_) return;
+  clearUnwritten_ = changes.clear;
+  for (const auto& [key, value] : changes.values) unwritten_.insert(key);
+}
+
+}  // namespace endpin

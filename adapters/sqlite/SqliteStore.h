@@ -1,0 +1,55 @@
+// The settings store of a desktop: all values in memory, for reads that never touch the disk, and a
+// file behind them that synchronize() brings up to date. See SettingsFile.h for what survives what.
+//
+// Thread: any; each call is atomic by itself, and readers do not wait for the disk.
+#pragma once
+
+#include <filesystem>
+#include <mutex>
+#include <set>
+
+#include "adapters/sqlite/SettingsFile.h"
+#include "ports/SettingsStore.h"
+
+namespace endpin {
+
+class SqliteStore final : public SettingsStore {
+ public:
+  // Reads the file at `path`. Whatever is wrong with it is one line in `log`, which outlives the
+  // store, and the store goes on in memory.
+  SqliteStore(const std::filesystem::path& path, Log& log);
+  // Writes what has not been synchronized.
+  ~SqliteStore() override;
+
+  [[nodiscard]] std::int64_t integerForKey(std::string_view key) const override;
+  [[nodiscard]] bool boolForKey(std::string_view key) const override;
+  [[nodiscard]] double doubleForKey(std::string_view key) const override;
+  [[nodiscard]] std::optional<std::string> stringForKey(std::string_view key) const override;
+
+  void setInteger(std::string_view key, std::int64_t value) override { set(key, value); }
+  void setBool(std::string_view key, bool value) override { set(key, value); }
+  void setDouble(std::string_view key, double value) override { set(key, value); }
+  void setString(std::string_view key, std::string_view value) override {
+    set(key, std::string(value));
+  }
+  // The file is emptied together with what is written after it, by one transaction of the next
+  // synchronize: no end of the process leaves it half done.
+  void removeAll() override;
+  void synchronize() override;
+
+ private:
+  [[nodiscard]] std::optional<SettingValue> valueFor(std::string_view key) const;
+  void set(std::string_view key, SettingValue value);
+  SettingChanges takePending();
+  void putBack(const SettingChanges& changes);
+
+  std::mutex fileMutex_;  // one synchronize at a time; taken before the other one
+  SettingsFile file_;
+
+  mutable std::mutex valuesMutex_;  // guards what follows
+  SettingValues values_;
+  std::set<std::string, std::less<>> unwritten_;
+  bool clearUnwritten_ = false;
+};
+
+}  // namespace endpin

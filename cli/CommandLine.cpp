@@ -1,0 +1,109 @@
+#include "cli/CommandLine.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <charconv>
+
+#include "cli/CliError.h"
+
+namespace endpin {
+namespace {
+
+constexpr std::int64_t kLowestA4 = 1;
+constexpr std::int64_t kHighestA4 = 9999;
+
+// The texts of A4 are read after parsing: the parser's own conversions report in words of its own.
+struct Arguments {
+  ListenOptions listen;
+  FrequenciesOptions frequencies;
+  std::string a4;
+};
+
+CLI::App* addListen(CLI::App& app, Arguments& into) {
+  CLI::App* listen = app.add_subcommand("listen", "Listen, and say which string is in tune");
+  ListenOptions& options = into.listen;
+  auto* input = listen->add_option("--input", options.input,
+                                   "Listen to a sound file (wav, flac, ogg, mp3, or headerless "
+                                   ".s16 at 7019.5 Hz) instead of the microphone");
+  listen->add_flag("--realtime", options.realtime, "Play the sound file at its own pace")
+      ->needs(input);
+  auto* device = listen->add_option("--input-device", options.inputDevice,
+                                    "Microphone to use, by name or id (see --list-inputs)");
+  listen
+      ->add_option("--or-recording", options.recording,
+                   "Sound file to listen to when there is no microphone")
+      ->excludes(input);
+  listen->add_flag("--list-inputs", options.listInputs, "List the microphones and end");
+  listen->add_option("--a4", into.a4, "Calibration as saved in an earlier run, whole hertz");
+  listen->add_flag("--json", options.json, "Print a JSON object for each tick");
+  listen->add_flag("--verbose", options.verbose, "Write the log to standard error");
+  device->excludes(input);
+  return listen;
+}
+
+CLI::App* addFrequencies(CLI::App& app, Arguments& into) {
+  CLI::App* frequencies =
+      app.add_subcommand("frequencies", "Show the strings' frequencies and what counts as in tune");
+  frequencies->add_option("--a4", into.a4, "Calibration in whole hertz (440)");
+  frequencies->add_flag("--json", into.frequencies.json, "Print one JSON object");
+  return frequencies;
+}
+
+std::string oneLine(std::string text) {
+  std::replace(text.begin(), text.end(), '\n', ' ');
+  return text;
+}
+
+void rejectEmpty(const CLI::App& command, const char* option) {
+  const CLI::Option* given = command.get_option(option);
+  if (given->count() > 0 && given->as<std::string>().empty()) {
+    throw CliError(kExitUsage, fmt::format("{} needs a name", option));
+  }
+}
+
+}  // namespace
+
+std::int64_t parseA4(const std::string& text) {
+  std::int64_t a4 = 0;
+  const char* end = text.data() + text.size();
+  const auto [rest, error] = std::from_chars(text.data(), end, a4);
+  if (error != std::errc() || rest != end || a4 < kLowestA4 || a4 > kHighestA4) {
+    throw CliError(kExitUsage,
+                   oneLine(fmt::format("--a4 takes whole hertz from {} to {}, not \"{}\"",
+                                       kLowestA4, kHighestA4, text)));
+  }
+  return a4;
+}
+
+Command parseCommandLine(int argc, const char* const* argv) {
+  Arguments arguments;
+  CLI::App app("Endpin, a tuner for the cello, in the terminal", "endpin-cli");
+  app.set_version_flag("--version", "endpin-cli " ENDPIN_VERSION);
+  app.require_subcommand(1);
+  const CLI::App* listen = addListen(app, arguments);
+  const CLI::App* frequencies = addFrequencies(app, arguments);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::CallForHelp&) {
+    return PrintText{app.help()};
+  } catch (const CLI::CallForVersion& version) {
+    return PrintText{std::string(version.what()) + '\n'};
+  } catch (const CLI::ParseError& error) {
+    throw CliError(kExitUsage, oneLine(error.what()) + " (--help explains)");
+  }
+  const CLI::App& chosen = *(listen->parsed() ? listen : frequencies);
+  const bool a4Given = chosen.count("--a4") > 0;
+  if (frequencies->parsed()) {
+    if (a4Given) arguments.frequencies.a4 = parseA4(arguments.a4);
+    return arguments.frequencies;
+  }
+  for (const char* option : {"--input", "--input-device", "--or-recording"}) {
+    rejectEmpty(chosen, option);
+  }
+  if (a4Given) arguments.listen.a4 = parseA4(arguments.a4);
+  return arguments.listen;
+}
+
+}  // namespace endpin

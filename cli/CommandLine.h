@@ -1,0 +1,40 @@
+// What the user asked for. parseCommandLine() turns the arguments into one of these.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <variant>
+
+namespace endpin {
+
+struct ListenOptions {
+  std::string input;        // sound file in place of the microphone; empty: the microphone
+  bool realtime = false;    // paces the sound file by the clock on the wall
+  std::string inputDevice;  // name or id of the microphone; empty: the default one
+  std::string recording;    // sound file to listen to when there is no microphone; may be empty
+  bool listInputs = false;  // lists the microphones, and nothing else
+  bool json = false;        // one JSON object a tick
+  bool verbose = false;     // the platform log goes to standard error
+  std::optional<std::int64_t> a4;  // hertz, as if saved in an earlier run; none: a first launch
+};
+
+struct FrequenciesOptions {
+  std::int64_t a4 = 440;  // hertz
+  bool json = false;
+};
+
+// Help or version: text to print.
+struct PrintText {
+  std::string text;
+};
+
+using Command = std::variant<ListenOptions, FrequenciesOptions, PrintText>;
+
+// Throws CliError with exit code 2 when the arguments make no command.
+[[nodiscard]] Command parseCommandLine(int argc, const char* const* argv);
+
+// A4 in whole hertz, 1 to 9999. Throws CliError.
+[[nodiscard]] std::int64_t parseA4(const std::string& text);
+
+}  // namespace endpin

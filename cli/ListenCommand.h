@@ -1,0 +1,27 @@
+// `listen`: the tuner at work, on the microphone or on a sound file.
+#pragma once
+
+#include "adapters/posix/StopSignal.h"
+#include "cli/CommandLine.h"
+#include "cli/Output.h"
+#include "ports/Log.h"
+
+namespace endpin {
+
+// What both ways of listening share. Everything outlives the command.
+struct ListenContext {
+  const ListenOptions& options;
+  Output& output;
+  const StopSignal& stop;
+  Log& log;
+};
+
+// Returns the exit code; throws CliError.
+int runListen(const ListenOptions& options, Output& output);
+
+// Listens to the sound file at `path` from its beginning to its end, or to the stop signal.
+// `realtime` paces it by the clock on the wall. Throws CliError, also when the sound turns out to
+// break off, after listening to what there is.
+void listenToFile(const ListenContext& context, const std::string& path, bool realtime);
+
+}  // namespace endpin

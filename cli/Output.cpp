@@ -1,0 +1,32 @@
+#include "cli/Output.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <string>
+
+#include "cli/CliError.h"
+
+namespace endpin {
+namespace {
+
+[[noreturn]] void fail() {
+  throw CliError(kExitFailure, std::string("output cannot be written: ") + std::strerror(errno));
+}
+
+}  // namespace
+
+void Output::write(std::string_view text) {
+  if (std::fwrite(text.data(), 1, text.size(), stream_) != text.size()) fail();
+}
+
+void Output::flush() {
+  if (std::fflush(stream_) != 0) fail();
+}
+
+bool Output::isTerminal() const {
+  return isatty(fileno(stream_)) != 0;
+}
+
+}  // namespace endpin

@@ -1,0 +1,48 @@
+// endpin-cli: the tuner in the terminal.
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <variant>
+
+#include "cli/CliError.h"
+#include "cli/CommandLine.h"
+#include "cli/FrequenciesCommand.h"
+#include "cli/ListenCommand.h"
+#include "cli/Output.h"
+
+namespace {
+
+using namespace endpin;
+
+struct Run {
+  Output& output;
+
+  int operator()(const ListenOptions& options) const { return runListen(options, output); }
+  int operator()(const FrequenciesOptions& options) const {
+    return runFrequencies(options, output);
+  }
+  int operator()(const PrintText& help) const {
+    output.write(help.text);
+    output.flush();
+    return 0;
+  }
+};
+
+int report(const char* message, int exitCode) {
+  std::fprintf(stderr, "endpin-cli: %s\n", message);
+  return exitCode;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is reported where it is written to
+  Output output(stdout);
+  try {
+    return std::visit(Run{output}, parseCommandLine(argc, argv));
+  } catch (const CliError& error) {
+    return report(error.what(), error.exitCode());
+  } catch (const std::exception& error) {
+    return report(error.what(), kExitFailure);
+  }
+}
