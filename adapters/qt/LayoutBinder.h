@@ -40,7 +40,7 @@ class LayoutBinder final : public QObject {
   // Shows at once what would be shown at the next turn of the event loop.
   void flush();
 
- private slots:
+ private Q_SLOTS:
   void onActivated();
 
  private:

@@ -16,7 +16,7 @@ class MotionPreference final : public QObject {
   // `changed` is called with true for less motion, at the first answer and at every change.
   explicit MotionPreference(std::function<void(bool reduced)> changed);
 
- private slots:
+ private Q_SLOTS:
   void onSettingChanged(const QString& group, const QString& key, const QDBusVariant& value);
 
  private:

@@ -71,10 +71,10 @@ std::string immutableName(const fs::path& path) {
 
 SettingsFile::SettingsFile(const fs::path& path, Log& log) : path_(fs::absolute(path)), log_(log) {
   if (const auto failed = makePrivateFolder(path_.parent_path())) {
-    return say(
-        fmt::format("cannot be kept ({}); they last until the program ends", failed.message()));
+    say(fmt::format("cannot be kept ({}); they last until the program ends", failed.message()));
+  } else {
+    open();
   }
-  open();
 }
 
 SettingsFile::~SettingsFile() {
