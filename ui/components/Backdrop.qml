@@ -1,0 +1,52 @@
+import QtQuick
+
+// The room: a dark floor, one pool of warm light that ends at the floor line, and the cello
+// standing on it.
+Rectangle {
+    id: room
+
+    required property Metrics metrics
+    required property string celloPicture
+
+    color: Theme.bg
+
+    Item {
+        width: room.width
+        height: room.metrics.floor
+        clip: true
+        Image {
+            x: room.metrics.axis - room.metrics.lightRadius
+            y: room.metrics.middle - room.metrics.lightRadius
+            width: 2 * room.metrics.lightRadius
+            height: width
+            source: Theme.picture("pool.png")
+        }
+    }
+    Image {
+        x: room.metrics.axis - width / 2
+        y: room.metrics.floor - height / 2
+        width: 340 * room.metrics.unit
+        height: 32 * room.metrics.unit
+        source: Theme.picture("foot.png")
+    }
+    Rectangle {
+        y: room.metrics.floor - 0.5
+        width: room.width
+        height: 1
+        gradient: Gradient {
+            orientation: Gradient.Horizontal
+            GradientStop { position: 0; color: "#1FDDB565" }
+            GradientStop { position: room.metrics.axis / room.width; color: "#D9DDB565" }
+            GradientStop { position: 1; color: "#1FDDB565" }
+        }
+    }
+    Image {
+        x: room.metrics.celloX
+        y: room.metrics.celloY
+        width: 400 * room.metrics.unit
+        height: 1100 * room.metrics.unit
+        source: Theme.picture(room.celloPicture)
+        Accessible.role: Accessible.Graphic
+        Accessible.name: Texts.of("Cello")
+    }
+}

@@ -1,0 +1,79 @@
+import QtQuick
+
+// The tuning fork: plays the tone of a string. Entering it keeps the beep of the tuner quiet,
+// leaving it stops the tone.
+Sheet {
+    id: fork
+
+    property string sounding  // the note whose button was pressed last, until it is stopped
+
+    title: Texts.of("TuningForkTitle")
+    contentHeight: stop.y + stop.height
+
+    onOpenChanged: open ? entered.activated() : leave()
+    function leave() {
+        stop.activated()
+        left.activated()
+    }
+
+    Trigger { id: entered; action: "disableTemporarilySoundConfirmation" }
+    Trigger { id: left; action: "enableSoundConfirmation" }
+
+    FittedText {
+        visible: note.text === ""
+        y: fork.metrics.by(42, 50, 56) - baselineOffset
+        room: parent.width - 56
+        text: fork.title
+        size: fork.metrics.by(28, 34, 40)
+        font.family: Theme.serif
+        Accessible.ignored: true
+    }
+    LabelOutlet {
+        id: note
+        objectName: "tfnoteDisplay"
+        x: -0.033 * size
+        y: fork.metrics.by(92, 122, 158) - baselineOffset
+        size: fork.metrics.by(88, 118, 160)
+        font.family: Theme.serif
+    }
+    LabelOutlet {
+        objectName: "tfFreqLabel"
+        x: -0.035 * size
+        y: fork.metrics.by(144, 190, 250) - baselineOffset
+        size: fork.metrics.by(40, 52, 72)
+        font.weight: Font.Medium
+    }
+    Row {
+        id: tones
+        y: fork.metrics.by(166, 222, 288)
+        spacing: 10
+        Repeater {
+            model: ["A3", "D3", "G2", "C2"]
+            ToneButton {
+                required property string modelData
+                required property int index
+                objectName: modelData.toLowerCase() + "TFButton"
+                action: "play" + modelData
+                note: modelData
+                string: index + 1
+                sounding: fork.sounding === note
+                width: (fork.metrics.sheetContent - 30) / 4
+                height: fork.metrics.by(120, 132, 160)
+                size: fork.metrics.by(24, 28, 34)
+                onActivated: fork.sounding = note
+            }
+        }
+    }
+    IconButton {
+        id: stop
+        action: "stopFreqPlay"
+        name: Texts.of("StopTitle")
+        y: tones.y + tones.height + 14
+        width: parent.width
+        height: fork.metrics.by(48, 56, 60)
+        radius: 16
+        icon: "iconStop.png"
+        iconSize: 30
+        onActivated: fork.sounding = ""
+    }
+}

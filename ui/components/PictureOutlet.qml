@@ -1,0 +1,19 @@
+import QtQuick
+
+// An image view: shows the picture resource that `image` names, fitted to its size.
+Outlet {
+    id: view
+
+    property string image: ""
+    property bool cached: true
+
+    Accessible.role: Accessible.Graphic
+    Accessible.ignored: Accessible.name === "" || image === ""
+
+    Image {
+        anchors.fill: parent
+        source: Theme.picture(view.image)
+        fillMode: Image.PreserveAspectFit
+        cache: view.cached
+    }
+}

@@ -1,0 +1,13 @@
+pragma Singleton
+import QtQuick
+
+// Titles and spoken names in the user's language. The screen fills the table before it shows; a
+// missing key shows itself.
+QtObject {
+    property var table: ({})
+
+    // The text of a key, with its placeholder filled.
+    function of(key: string, argument): string {
+        return String(table[key] ?? key).replace("%@", argument ?? "")
+    }
+}

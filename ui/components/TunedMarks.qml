@@ -1,0 +1,49 @@
+import QtQuick
+
+// What lights up on the cello and beside it: the string in tune, the marks on the pegs, the lamp.
+Item {
+    id: marks
+
+    required property Metrics metrics
+    required property string stringOutlet
+    required property string lampOutlet
+    required property string lampPicture  // before the first tick
+    required property string note         // the one last in tune
+
+    Component.onCompleted: lamp.image = lampPicture
+
+    PictureOutlet {
+        objectName: marks.stringOutlet
+        x: marks.metrics.celloX
+        y: marks.metrics.celloY
+        width: 400 * marks.metrics.unit
+        height: 1100 * marks.metrics.unit
+    }
+    Repeater {
+        // The peg heads in the cello's units.
+        model: [
+            { outlet: "ring1", note: "A3", x: 272, y: 186 },
+            { outlet: "ring2", note: "D3", x: 272, y: 104 },
+            { outlet: "ring3", note: "G2", x: 128, y: 120 },
+            { outlet: "ring4", note: "C2", x: 128, y: 202 }
+        ]
+        RingOutlet {
+            required property var modelData
+            objectName: modelData.outlet
+            x: marks.metrics.celloX + modelData.x * marks.metrics.unit - width / 2
+            y: marks.metrics.celloY + modelData.y * marks.metrics.unit - height / 2
+            width: marks.metrics.ringSize
+            height: width
+            Accessible.name: Texts.of("StringTuned", modelData.note)
+        }
+    }
+    Lamp {
+        id: lamp
+        objectName: marks.lampOutlet
+        note: marks.note
+        x: marks.metrics.margin - 0.135 * width
+        y: marks.metrics.lampBottom - height
+        width: marks.metrics.lamp
+        height: width
+    }
+}

@@ -1,0 +1,133 @@
+import QtQuick
+
+// The one screen: the room with what the tuner heard, the dock, and the panels that slide over it.
+// A layout gives it its size, its insets and the outlets that it contains; the rest follows.
+Item {
+    id: screen
+
+    // Per layout.
+    property var safeInsets: ({ top: 0, bottom: 0 })
+    required property string celloPicture
+    required property string stringOutlet  // the outlet of the string pictures
+    required property string lampOutlet
+    required property string lampPicture  // before the first tick
+
+    // Written from outside.
+    property var texts: ({})
+    property bool reducedMotion: false
+    property string openPanel: ""  // "settings", "fork", "chart", "about"
+    property string version
+
+    clip: true
+    focus: true
+    Keys.onPressed: event => {
+        Theme.focusVisible = true
+        event.accepted = false
+    }
+
+    onScaleChanged: Theme.zoom = scale
+    onTextsChanged: Texts.table = texts
+    onReducedMotionChanged: Theme.reducedMotion = reducedMotion
+
+    // The focus moves into a panel that opens, and back to the cell that leads to it; after the
+    // bindings, because what is shut off takes no focus.
+    property Item leadingCell: null
+    onOpenPanelChanged: Qt.callLater(moveFocus)
+    function moveFocus() {
+        const sheet = Array.from(panels.children).find(panel => panel.open)
+        if (sheet) {
+            leadingCell = dock.cellOf(sheet.name)
+            sheet.takeFocus()
+        } else if (leadingCell) {
+            leadingCell.forceActiveFocus()
+            leadingCell = null
+        }
+    }
+
+    Metrics {
+        id: metrics
+        width: screen.width
+        height: screen.height
+        insets: screen.safeInsets
+    }
+
+    // All that a dialog shuts off.
+    Item {
+        anchors.fill: parent
+        enabled: !dialog.shown
+
+        Item {
+            anchors.fill: parent
+            enabled: screen.openPanel === ""
+
+            Backdrop {
+                anchors.fill: parent
+                metrics: metrics
+                celloPicture: screen.celloPicture
+            }
+            ReadOut {
+                id: readOut
+                metrics: metrics
+                a4: settings.a4
+            }
+            VolumeWarning {
+                x: metrics.margin
+                y: metrics.middle
+                metrics: metrics
+            }
+            TunedMarks {
+                metrics: metrics
+                stringOutlet: screen.stringOutlet
+                lampOutlet: screen.lampOutlet
+                lampPicture: screen.lampPicture
+                note: readOut.note
+            }
+            Dock {
+                id: dock
+                x: metrics.margin
+                y: metrics.dockTop
+                width: metrics.dockWidth
+                height: metrics.dockHeight
+                iconSize: metrics.by(26, 26, 30)
+                onAsked: panel => screen.openPanel = panel
+            }
+        }
+        Item {
+            id: panels
+            anchors.fill: parent
+
+            ForkPanel {
+                name: "fork"
+                metrics: metrics
+                open: screen.openPanel === name
+                onDismissed: screen.openPanel = ""
+            }
+            ChartPanel {
+                name: "chart"
+                metrics: metrics
+                temperament: settings.temperament
+                open: screen.openPanel === name
+                onDismissed: screen.openPanel = ""
+            }
+            SettingsPanel {
+                id: settings
+                name: "settings"
+                metrics: metrics
+                open: screen.openPanel === name
+                onDismissed: screen.openPanel = ""
+            }
+            AboutPanel {
+                name: "about"
+                metrics: metrics
+                version: screen.version
+                open: screen.openPanel === name
+                onDismissed: screen.openPanel = ""
+            }
+        }
+    }
+    RatingDialog {
+        id: dialog
+        objectName: "ratingDialog"
+        metrics: metrics
+    }
+}

@@ -1,0 +1,30 @@
+import QtQuick
+
+// Three dots in place of the read-out; a light travels through them. It moves in a few steps a
+// second: it is on screen most of the time, and every step is a repaint.
+Item {
+    id: dots
+
+    property real size: 78  // of the read-out
+    property real phase: 0  // 0 to 1, one round
+
+    Repeater {
+        model: 3
+        Rounded {
+            required property int index
+            readonly property real glow: 0.5 + 0.5 * Math.cos(2 * Math.PI * (dots.phase - index / 4))
+            x: (0.06 + 0.36 * index - 0.055) * dots.size
+            y: (-0.36 - 0.055) * dots.size
+            width: 0.11 * dots.size
+            height: width
+            color: Theme.amber
+            opacity: Theme.reducedMotion ? [0.9, 0.5, 0.25][index] : 0.25 + 0.65 * glow
+        }
+    }
+    Timer {
+        interval: 120
+        repeat: true
+        running: dots.visible && !Theme.reducedMotion
+        onTriggered: dots.phase = (dots.phase + 0.12 / 1.8) % 1
+    }
+}
