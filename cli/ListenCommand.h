@@ -1,7 +1,10 @@
 // `listen`: the tuner at work, on the microphone or on a sound file.
 #pragma once
 
+#include <string>
+
 #include "adapters/posix/StopSignal.h"
+#include "cli/CliError.h"
 #include "cli/CommandLine.h"
 #include "cli/Output.h"
 #include "ports/Log.h"
@@ -23,5 +26,18 @@ int runListen(const ListenOptions& options, Output& output);
 // `realtime` paces it by the clock on the wall. Throws CliError, also when the sound turns out to
 // break off, after listening to what there is.
 void listenToFile(const ListenContext& context, const std::string& path, bool realtime);
+
+// There was no microphone to begin with.
+class NoMicrophone : public CliError {
+ public:
+  explicit NoMicrophone(const std::string& reason) : CliError(kExitFailure, reason) {}
+};
+
+// Listens to the microphone until the stop signal; one that goes on the way is waited for. Throws
+// NoMicrophone when there is none at the start, CliError when the output fails.
+void listenToMicrophone(const ListenContext& context);
+
+// Writes the microphones to the output, the default one marked. Throws CliError.
+void writeInputs(const ListenContext& context);
 
 }  // namespace endpin

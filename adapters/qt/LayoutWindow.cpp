@@ -56,6 +56,7 @@ std::unique_ptr<QQuickItem> LayoutWindow::load(const std::string& name) {
                                              {"height", setup_.model.height},
                                              {"safeInsets", insets},
                                              {"texts", setup_.texts},
+                                             {"version", setup_.version},
                                              {"reducedMotion", reducedMotion_}}));
   for (const QQmlError& error : component.errors()) log_.line(error.toString().toStdString());
   if (auto* item = qobject_cast<QQuickItem*>(object.get())) {

@@ -3,7 +3,7 @@
 // object.
 //
 // A layout is the QML file of its name. It gets the device's `width` and `height` (points),
-// `safeInsets` ({top, bottom}, points), `texts` (every text of the default table) and
+// `safeInsets` ({top, bottom}, points), `texts` (every text of the default table), `version` and
 // `reducedMotion`; `openPanel` names the panel that slides over it, "" for none.
 #pragma once
 
@@ -34,7 +34,8 @@ class LayoutWindow final : public Screen {
     DeviceModel model;
     Presentation presentation = Presentation::Window;
     QVariantMap texts;
-    QString openPanel;
+    QString version;    // of the application, for people
+    QString openPanel;  // at start
     QString folder = QStringLiteral("qrc:/endpin/layouts/");  // URL, with a slash at the end
   };
 

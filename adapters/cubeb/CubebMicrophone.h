@@ -1,0 +1,36 @@
+// The microphone of this computer, over cubeb: captured at the device's own rate, resampled,
+// delivered from a thread of the queue's own. A device that is missing or goes is waited for;
+// listening goes on by itself when it is back.
+//
+// Thread: main, but for what the queue's port says.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "adapters/cubeb/DeviceKeeper.h"
+#include "ports/AudioInput.h"
+#include "ports/Log.h"
+
+namespace endpin {
+
+class CubebMicrophone : public AudioInput {
+ public:
+  // Uses the device of that name or id, or the default one for the empty name. `log` outlives the
+  // microphone and its queues; it receives a line for each change of the device.
+  CubebMicrophone(std::string device, Log& log) : device_(std::move(device)), log_(log) {}
+
+  // One queue at a time.
+  std::unique_ptr<AudioInputQueue> newInput(const AudioStreamFormat& format,
+                                            AudioInputCallback callback, void* userData) override;
+
+  // How it stands with the device of the newest queue. Does not wait.
+  [[nodiscard]] MicrophoneStatus status() const;
+
+ private:
+  const std::string device_;
+  Log& log_;
+  std::weak_ptr<DeviceKeeper> keeper_;  // of the newest queue
+};
+
+}  // namespace endpin
