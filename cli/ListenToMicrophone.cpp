@@ -40,6 +40,7 @@ class LiveView {
   bool waitForOpening(const MicrophoneStatus& status) {
     if (status.state == State::Missing) throw NoMicrophone(status.text);
     wasOpen_ = isOpen_ = status.state == State::Open;
+    if (wasOpen_) printer_->begin(status.text);
     if (!wasOpen_ && Clock::now() > begin_ + kOpeningLimit) {
       throw NoMicrophone("the sound server does not answer");
     }

@@ -46,6 +46,10 @@ void ChangePrinter::print(const TickReport& report) {
 StatusPrinter::StatusPrinter(Output& output)
     : output_(output), colour_(!environmentHas("NO_COLOR")), utf8_(terminalIsUtf8()) {}
 
+void StatusPrinter::begin(const std::string& microphone) {
+  output_.write(fmt::format("Listening to {}. Ctrl-C ends.\n", microphone));
+}
+
 void StatusPrinter::print(const TickReport& report) {
   output_.write(kBeginStatus + statusText(report, {colour_, utf8_}) + kEndStatus);
   output_.flush();

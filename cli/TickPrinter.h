@@ -13,6 +13,9 @@ class TickPrinter {
  public:
   virtual ~TickPrinter() = default;
 
+  // Listening begins, on the microphone of that name.
+  virtual void begin(const std::string& /*microphone*/) {}
+
   // Throws CliError when it cannot be written.
   virtual void print(const TickReport& report) = 0;
 
@@ -52,6 +55,7 @@ class ChangePrinter : public TickPrinter {
 class StatusPrinter : public TickPrinter {
  public:
   explicit StatusPrinter(Output& output);
+  void begin(const std::string& microphone) override;
   void print(const TickReport& report) override;
   void makeRoom() override;
   void finish() override;

@@ -1,7 +1,9 @@
 // endpin-cli: the tuner in the terminal.
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <string>
 #include <variant>
 
 #include "cli/CliError.h"
@@ -28,8 +30,11 @@ struct Run {
   }
 };
 
-int report(const char* message, int exitCode) {
-  std::fprintf(stderr, "endpin-cli: %s\n", message);
+// One line, whatever the names in it contain.
+int report(std::string message, int exitCode) {
+  std::replace_if(
+      message.begin(), message.end(), [](char c) { return c >= '\0' && c < ' '; }, '?');
+  std::fprintf(stderr, "endpin-cli: %s\n", message.c_str());
   return exitCode;
 }
 

@@ -47,7 +47,8 @@ class CaptureQueue : public AudioInputQueue {
   AudioStatus currentLevelMeter(LevelMeterState* levels, std::uint32_t byteSize) const override;
 
   // Takes samples at the capture rate and calls back for each block that they complete, before it
-  // returns. While the queue is not started they are dropped.
+  // returns. While the queue is not started they are dropped. No samples at all still say that the
+  // device delivers.
   // Thread: delivering.
   void deliver(std::span<const std::int16_t> samples);
 

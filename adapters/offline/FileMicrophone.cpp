@@ -20,7 +20,7 @@ class FileFeed : public std::enable_shared_from_this<FileFeed> {
 
   void begin() {
     if (!begin_) begin_ = runLoop_.now();
-    catchUp();
+    queue_.deliver({});  // this device delivers from the start
     awaitBlock();
   }
 
