@@ -8,6 +8,7 @@
 #include "app/Localisation.h"
 #include "app/SettingsRestore.h"
 #include "audio/LumoListener.h"
+#include "rating/PromptToReview.h"
 #include "tuner/VolumeWarning.h"
 
 namespace endpin {
@@ -139,6 +140,7 @@ void ViewController::demoMode() {
 
 void ViewController::promptToReview() {
   if (demoModeEnabled_) return;
+  endpin::promptToReview(platform_.settings, runCount_);
 }
 
 }  // namespace endpin

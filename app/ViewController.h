@@ -114,6 +114,7 @@ class ViewController : public TunerOutlets, public CalibrationOutlets, public Ap
   TuningFork tuningFork_;
   DetectionTick tick_;
   Reading lastReading_;
+  std::int64_t runCount_ = 0;  // appearances of the screen, as read when the rating is tried
 };
 
 }  // namespace endpin
