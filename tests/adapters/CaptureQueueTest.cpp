@@ -1,0 +1,211 @@
+#include "adapters/capture/CaptureQueue.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <thread>
+
+#include "adapters/cubeb/SampleRing.h"
+
+namespace endpin {
+namespace {
+
+// Keeps what it is given, and gives the buffers back unless told otherwise.
+struct CaptureQueueTest : ::testing::Test {
+  CaptureQueue queue{heard, this};
+  std::vector<AudioInputBuffer*> filled;
+  std::vector<std::int16_t> firsts;  // first sample of each block
+  bool givesBack = true;
+  std::atomic<int> inCallback = 0;
+  std::atomic<int> callbacks = 0;
+
+  static void heard(void* test, AudioInputQueue* from, AudioInputBuffer* buffer) {
+    auto& self = *static_cast<CaptureQueueTest*>(test);
+    ++self.inCallback;
+    self.filled.push_back(buffer);
+    self.firsts.push_back(buffer->mAudioData[0]);
+    if (self.givesBack) from->enqueueBuffer(buffer);
+    ++self.callbacks;
+    --self.inCallback;
+  }
+
+  void allocate(int count) {
+    for (int i = 0; i < count; ++i) {
+      AudioInputBuffer* buffer = nullptr;
+      ASSERT_EQ(queue.allocateBuffer(8192, &buffer), 0);
+      ASSERT_EQ(queue.enqueueBuffer(buffer), 0);
+    }
+  }
+  void deliver(std::size_t count, std::int16_t value) {
+    queue.deliver(std::vector<std::int16_t>(count, value));
+  }
+  bool running() const {
+    std::uint32_t answer = 7;
+    EXPECT_EQ(queue.isRunning(answer), 0);
+    return answer == 1;
+  }
+  LevelMeterState level() const {
+    LevelMeterState state;
+    EXPECT_EQ(queue.currentLevelMeter(&state, sizeof state), 0);
+    return state;
+  }
+};
+
+TEST_F(CaptureQueueTest, BuffersCirculateInOrderAndABlockWithoutOneIsLost) {
+  allocate(3);
+  queue.start();
+  for (std::int16_t k = 0; k < 5; ++k) deliver(4096, k);
+  ASSERT_EQ(filled.size(), 5U);
+  EXPECT_NE(filled[0], filled[1]);
+  EXPECT_EQ(filled[0], filled[3]);
+  EXPECT_EQ(filled[1], filled[4]);
+  EXPECT_EQ(filled[0]->mAudioDataByteSize, 8192U);
+
+  givesBack = false;
+  for (std::int16_t k = 5; k < 10; ++k) deliver(4096, k);
+  EXPECT_EQ(firsts, (std::vector<std::int16_t>{0, 1, 2, 3, 4, 5, 6, 7}));
+  EXPECT_EQ(queue.lostBlocks(), 2U);
+  ASSERT_EQ(queue.enqueueBuffer(filled[0]), 0);
+  deliver(4096, 10);
+  EXPECT_EQ(firsts.back(), 10);  // the newest sound, not the lost one
+}
+
+TEST_F(CaptureQueueTest, BlocksAreCutWhereTheyEndWhateverTheDeliveries) {
+  allocate(3);
+  queue.start();
+  deliver(4000, 1);
+  EXPECT_TRUE(filled.empty());
+  deliver(95, 2);
+  EXPECT_EQ(queue.missingSamples(), 1U);
+  deliver(2 * 4096 + 1, 3);
+  ASSERT_EQ(filled.size(), 3U);
+  EXPECT_EQ(filled[0]->mAudioData[3999], 1);
+  EXPECT_EQ(filled[0]->mAudioData[4000], 2);
+  EXPECT_EQ(filled[0]->mAudioData[4095], 3);
+  EXPECT_EQ(queue.missingSamples(), 4096U);
+}
+
+TEST_F(CaptureQueueTest, RunsWhileStartedAndDelivered) {
+  allocate(1);
+  deliver(5000, 1);
+  EXPECT_FALSE(running());
+  queue.start();
+  EXPECT_TRUE(running());
+  deliver(4000, 1);
+  queue.deviceLost();
+  EXPECT_FALSE(running());
+  deliver(4095, 2);
+  EXPECT_TRUE(running());
+  EXPECT_TRUE(filled.empty());  // what was collected before the loss is gone
+  deliver(1, 2);
+  EXPECT_EQ(firsts, std::vector<std::int16_t>{2});
+  deliver(100, 3);
+  queue.stop(false);
+  EXPECT_TRUE(running());
+  deliver(8192, 3);
+  EXPECT_FALSE(running());
+  EXPECT_EQ(filled.size(), 2U);
+  queue.start();
+  deliver(100, 4);
+  queue.stop(true);
+  EXPECT_FALSE(running());
+  queue.start();
+  deliver(4095, 5);
+  EXPECT_EQ(filled.size(), 2U);
+}
+
+TEST_F(CaptureQueueTest, TheLevelIsOfTheLast702SamplesAndForgottenWithTheDevice) {
+  allocate(3);
+  queue.start();
+  deliver(700, 16384);
+  EXPECT_EQ(level().mAveragePower, 0.0F);  // not switched on
+  queue.enableLevelMetering(1);
+  EXPECT_EQ(level().mAveragePower, 0.5F);
+  deliver(351, -32768);
+  EXPECT_FLOAT_EQ(level().mAveragePower, std::sqrt(0.625F));
+  EXPECT_EQ(level().mPeakPower, 1.0F);
+  deliver(702, 8);
+  EXPECT_EQ(level().mPeakPower, 8 / 32768.0F);
+  deliver(9000, 16384);
+  EXPECT_EQ(level().mAveragePower, 0.5F);
+  queue.deviceLost();
+  EXPECT_EQ(level().mAveragePower, 0.0F);
+}
+
+TEST_F(CaptureQueueTest, ForeignBuffersAreRefused) {
+  AudioInputBuffer foreign;
+  AudioInputBuffer* buffer = &foreign;
+  EXPECT_NE(queue.enqueueBuffer(&foreign), 0);
+  EXPECT_NE(queue.enqueueBuffer(nullptr), 0);
+  EXPECT_NE(queue.allocateBuffer(8190, &buffer), 0);
+  EXPECT_EQ(buffer, nullptr);
+}
+
+// The device comes and goes on one thread while the other starts, stops and asks: no buffer may get
+// lost, and none may be filled after stop() has returned.
+TEST_F(CaptureQueueTest, NoBufferIsLostBetweenTwoThreads) {
+  allocate(3);
+  queue.enableLevelMetering(1);
+  std::atomic<bool> done = false;
+  std::thread device([&] {
+    const std::vector<std::int16_t> burst(1500, 9);
+    for (int i = 0; !done; ++i) {
+      queue.deliver(burst);
+      if (i % 50 == 49) queue.deviceLost();
+    }
+  });
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+  while (callbacks < 1000 && std::chrono::steady_clock::now() < deadline) {
+    queue.start();
+    std::this_thread::yield();
+    EXPECT_LE(level().mPeakPower, 1.0F);
+    queue.stop(true);
+    EXPECT_EQ(inCallback, 0);
+    EXPECT_FALSE(running());
+  }
+  done = true;
+  device.join();
+  EXPECT_GE(callbacks, 1000);
+  const std::size_t before = filled.size();
+  queue.start();
+  givesBack = false;
+  deliver(5 * 4096, 1);
+  EXPECT_EQ(filled.size() - before, 3U);
+}
+
+TEST(SampleRing, HandsOverEverySampleInOrderOrCountsIt) {
+  SampleRing ring(1000);  // holds 1024
+  constexpr std::uint64_t kTotal = 2'000'000;
+  std::thread callback([&] {
+    std::vector<std::int16_t> part;
+    for (std::uint64_t next = 0; next < kTotal;) {
+      part.clear();
+      while (part.size() < 480 && next < kTotal) part.push_back(static_cast<std::int16_t>(next++));
+      const std::uint64_t dropped = ring.dropped();
+      ring.push(part);
+      const std::uint64_t lost = ring.dropped() - dropped;
+      if (lost > 0) {  // what found no room comes again: the order must show no gap
+        next -= lost;
+        std::this_thread::yield();
+      }
+    }
+  });
+  std::vector<std::int16_t> pulled(300);
+  std::uint64_t expected = 0;
+  while (expected < kTotal) {
+    const std::size_t count = ring.pull(pulled);
+    for (std::size_t i = 0; i < count; ++i) {
+      ASSERT_EQ(pulled[i], static_cast<std::int16_t>(expected)) << expected;
+      ++expected;
+    }
+    if (count == 0) std::this_thread::yield();
+  }
+  callback.join();
+  ring.push(std::vector<std::int16_t>(1030));
+  EXPECT_EQ(ring.pull(pulled), 300U);
+}
+
+}  // namespace
+}  // namespace endpin
