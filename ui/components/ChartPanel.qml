@@ -29,7 +29,7 @@ Sheet {
         width: parent.width
         height: chart.pictureHeight
         cached: false
-        Accessible.name: chart.title
+        name: chart.title
     }
     Column {
         id: rows

@@ -24,7 +24,8 @@ Outlet {
 
     Accessible.name: name
     Accessible.description: description
-    Accessible.focusable: true
+    Accessible.focusable: enabled
+    Accessible.ignored: !parent.enabled  // behind a panel
 
     Keys.onPressed: event => {
         Theme.focusVisible = true

@@ -45,7 +45,8 @@ Sheet {
     }
     Row {
         id: tones
-        y: fork.metrics.by(166, 222, 288)
+        // The sheet grows upwards when there is a note to show; the buttons stay where they are.
+        y: note.text === "" ? fork.metrics.by(66, 80, 100) : fork.metrics.by(166, 222, 288)
         spacing: 10
         Repeater {
             model: ["A3", "D3", "G2", "C2"]

@@ -6,6 +6,8 @@ Outlet {
 
     property string text: ""
     property string initialText: ""  // shown as long as nobody set a text
+    property string name: shown.text     // spoken; nothing is, where it is empty
+    property string description
 
     property alias size: shown.size
     property alias room: shown.room
@@ -19,8 +21,9 @@ Outlet {
     baselineOffset: shown.baselineOffset
 
     Accessible.role: Accessible.StaticText
-    Accessible.name: shown.text
-    Accessible.ignored: shown.text === ""
+    Accessible.name: name
+    Accessible.description: description
+    Accessible.ignored: name === ""
 
     FittedText {
         id: shown

@@ -9,6 +9,6 @@ PictureOutlet {
     readonly property bool green: image.startsWith("green")
 
     Accessible.role: Accessible.AlertMessage
-    Accessible.name: green && note !== "" ? Texts.of("StringTuned", note)
-                                          : Texts.of(green ? "InTune" : "NotInTune")
+    name: green && note !== "" ? Texts.of("StringTuned", note)
+                               : Texts.of(green ? "InTune" : "NotInTune")
 }

@@ -9,18 +9,20 @@ Item {
     property real alpha: 1
     property bool blinking: false
 
-    property real blink: 1
+    // Blinking runs in steps of 50 ms, ten to a round: every step is a repaint.
+    property int blinkStep: 0
+    readonly property real blink: 0.5 + 0.5 * Math.cos(Math.PI * blinkStep / 5)
     readonly property bool blinks: blinking && visible && !Theme.reducedMotion
 
     visible: !hidden
     opacity: blinking ? blink : alpha
 
-    onBlinksChanged: if (!blinks) blink = 1
+    onBlinksChanged: blinkStep = 0
 
-    SequentialAnimation on blink {
+    Timer {
+        interval: 50
+        repeat: true
         running: outlet.blinks
-        loops: Animation.Infinite
-        NumberAnimation { to: 0; duration: 250; easing.type: Easing.InOutQuad }
-        NumberAnimation { to: 1; duration: 250; easing.type: Easing.InOutQuad }
+        onTriggered: outlet.blinkStep = (outlet.blinkStep + 1) % 10
     }
 }

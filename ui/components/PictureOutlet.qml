@@ -6,9 +6,11 @@ Outlet {
 
     property string image: ""
     property bool cached: true
+    property string name  // spoken; nothing is, where it is empty
 
     Accessible.role: Accessible.Graphic
-    Accessible.ignored: Accessible.name === "" || image === ""
+    Accessible.name: name
+    Accessible.ignored: name === "" || image === ""
 
     Image {
         anchors.fill: parent

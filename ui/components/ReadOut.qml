@@ -27,7 +27,7 @@ Item {
         y: readOut.metrics.noteBaseline - baselineOffset
         size: readOut.metrics.note
         font.family: Theme.serif
-        Accessible.name: Texts.of("NoteName") + " " + text
+        name: text === "" ? "" : Texts.of("NoteName") + " " + text
     }
     LabelOutlet {
         id: frequency
@@ -35,11 +35,11 @@ Item {
         x: readOut.metrics.margin - 0.03 * size
         y: readOut.metrics.baseline - baselineOffset
         size: readOut.metrics.readout
+        width: 3.8 * size  // also where there is nothing to read: it can be pointed at and spoken
         font.weight: Font.Medium
         Accessible.role: Accessible.StatusBar
-        Accessible.ignored: false
-        Accessible.name: Texts.of("ReadOut")
-        Accessible.description: text === "" ? Texts.of("ListeningTitle") : text
+        name: Texts.of("ReadOut")
+        description: text === "" ? Texts.of("ListeningTitle") : text
     }
     WaitingDots {
         x: readOut.metrics.margin

@@ -12,11 +12,11 @@ Item {
     property color edge: "transparent"
 
     Rectangle {
-        width: rounded.width * Theme.zoom
-        height: rounded.height * Theme.zoom
+        width: Math.round(rounded.width * Theme.zoom)
+        height: Math.round(rounded.height * Theme.zoom)
         scale: 1 / Theme.zoom
         transformOrigin: Item.TopLeft
-        radius: rounded.radius * Theme.zoom
+        radius: Math.min(rounded.radius * Theme.zoom, height / 2)
         color: rounded.color
         border { width: rounded.edgeWidth * Theme.zoom; color: rounded.edge }
     }

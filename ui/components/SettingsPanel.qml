@@ -41,7 +41,7 @@ Sheet {
                 y: sensitivity.gap + 24 + sensitivity.space - baselineOffset
                 room: parent.width
                 size: settings.metrics.body
-                Accessible.ignored: true  // the slider speaks it
+                name: ""  // the slider speaks it
             }
             Slider {
                 objectName: "micSensitivitySlider"

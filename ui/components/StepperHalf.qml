@@ -10,6 +10,7 @@ Item {
 
     Accessible.role: Accessible.Button
     Accessible.name: name
+    Accessible.ignored: !enabled
     Accessible.onPressAction: stepped()
 
     Rounded {

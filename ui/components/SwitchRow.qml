@@ -16,7 +16,7 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         room: row.width - 52 - 16
         size: row.metrics.body
-        Accessible.ignored: true  // the switch speaks it
+        name: ""  // the switch speaks it
     }
     Switch {
         id: toggle

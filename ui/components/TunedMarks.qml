@@ -34,7 +34,7 @@ Item {
             y: marks.metrics.celloY + modelData.y * marks.metrics.unit - height / 2
             width: marks.metrics.ringSize
             height: width
-            Accessible.name: Texts.of("StringTuned", modelData.note)
+            name: Texts.of("StringTuned", modelData.note)
         }
     }
     Lamp {

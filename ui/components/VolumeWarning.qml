@@ -6,12 +6,19 @@ Item {
 
     required property Metrics metrics
 
+    // In two lines, broken at the last space before the middle or else at the first.
+    function broken(text: string): string {
+        const before = text.lastIndexOf(" ", text.length / 2 - 1)
+        const at = before < 0 ? text.indexOf(" ") : before
+        return at < 0 ? text : text.slice(0, at) + "\n" + text.slice(at + 1)
+    }
+
     LabelOutlet {
         objectName: "turnUpTheVolumeTriangleLabel"
         hidden: true
+        name: ""
         width: 1.65 * warning.metrics.caption
         height: width
-        Accessible.ignored: true
         Image {
             x: -0.07 * parent.width
             width: parent.width * 1.14
@@ -23,7 +30,8 @@ Item {
     LabelOutlet {
         objectName: "turnUpTheVolumeLabel"
         hidden: true
-        initialText: Texts.of("TurnUpTheVolume")
+        name: Texts.of("TurnUpTheVolume")
+        initialText: warning.broken(Texts.of("TurnUpTheVolume"))
         y: 2.95 * warning.metrics.caption - baselineOffset
         room: warning.metrics.axis - 140 * warning.metrics.unit - warning.metrics.margin - 8
         size: warning.metrics.caption
