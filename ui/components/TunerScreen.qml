@@ -25,16 +25,22 @@ Item {
         event.accepted = false
     }
 
+    // What every component heeds.
     onScaleChanged: Theme.zoom = scale
     onTextsChanged: Texts.table = texts
     onReducedMotionChanged: Theme.reducedMotion = reducedMotion
+    Component.onCompleted: {
+        Theme.zoom = scale
+        Texts.table = texts
+        Theme.reducedMotion = reducedMotion
+    }
 
     // The focus moves into a panel that opens, and back to the cell that leads to it; after the
     // bindings, because what is shut off takes no focus.
     property Item leadingCell: null
     onOpenPanelChanged: Qt.callLater(moveFocus)
     function moveFocus() {
-        const sheet = Array.from(panels.children).find(panel => panel.open)
+        const sheet = panels.openSheet()
         if (sheet) {
             leadingCell = dock.cellOf(sheet.name)
             sheet.takeFocus()
@@ -68,7 +74,7 @@ Item {
             ReadOut {
                 id: readOut
                 metrics: metrics
-                a4: settings.a4
+                a4: panels.a4
             }
             VolumeWarning {
                 x: metrics.margin
@@ -92,37 +98,13 @@ Item {
                 onAsked: panel => screen.openPanel = panel
             }
         }
-        Item {
+        Panels {
             id: panels
             anchors.fill: parent
-
-            ForkPanel {
-                name: "fork"
-                metrics: metrics
-                open: screen.openPanel === name
-                onDismissed: screen.openPanel = ""
-            }
-            ChartPanel {
-                name: "chart"
-                metrics: metrics
-                temperament: settings.temperament
-                open: screen.openPanel === name
-                onDismissed: screen.openPanel = ""
-            }
-            SettingsPanel {
-                id: settings
-                name: "settings"
-                metrics: metrics
-                open: screen.openPanel === name
-                onDismissed: screen.openPanel = ""
-            }
-            AboutPanel {
-                name: "about"
-                metrics: metrics
-                version: screen.version
-                open: screen.openPanel === name
-                onDismissed: screen.openPanel = ""
-            }
+            metrics: metrics
+            openPanel: screen.openPanel
+            version: screen.version
+            onDismissed: screen.openPanel = ""
         }
     }
     RatingDialog {
