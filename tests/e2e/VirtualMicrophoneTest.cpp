@@ -27,12 +27,40 @@ bool sounding(const Tick& tick) {
   return tick.power > 0.01;
 }
 bool cleared(const Tick& tick) {
-  return !tick.green() && tick.frequency == 0.0F;
+  return !tick.green() && tick.power < 0.002;
+}
+// Cleared, and the block that was heard last is silent too.
+bool silent(const Tick& tick) {
+  return cleared(tick) && tick.frequency == 0.0F;
 }
 auto greenAt(int string) {
   return [string](const Tick& tick) {
     return tick.green() && inBand(string, static_cast<double>(tick.frequency));
   };
+}
+
+// What the program said while one note was held.
+struct HeldNote {
+  Ticks all;
+  Ticks steady;   // The last two seconds, the attack long past.
+  double rigGap;  // Seconds of silence that the sound server itself put into the note.
+};
+
+HeldNote hold(const PrivateSoundServer& server, LiveListener& listener, int string,
+              const std::string& file) {
+  const size_t before = listener.ticks().size();
+  const auto witness = server.record("virtmic");
+  const auto player = server.playIntoMicrophone(file);
+  EXPECT_TRUE(listener.hears(greenAt(string), 5s)) << listener.child().errors();
+  std::this_thread::sleep_for(1s);
+  const size_t steady = listener.ticks().size();
+  std::this_thread::sleep_for(2s);
+  const Ticks ticks = listener.ticks();
+  const auto from = [&ticks](size_t n) {
+    return Ticks(ticks.begin() + static_cast<std::ptrdiff_t>(n), ticks.end());
+  };
+  const Sound passedOn = withoutSilentEnds(PrivateSoundServer::recorded(witness));
+  return {from(before), from(steady), longestGap(passedOn)};
 }
 
 class VirtualMicrophone : public ::testing::Test {
@@ -48,68 +76,100 @@ class VirtualMicrophone : public ::testing::Test {
     return path;
   }
 
-  // Expects a program that listens again, to a tone begun now, within three seconds.
-  void expectHearingAgain(LiveListener& listener, const char* after) {
-    const std::string note = longNote(kCelloStrings[1].frequency);
+  // Expects a program that hears a tone begun now within three seconds, and judges it. Each call
+  // takes another string, so that a block from before the break cannot pass for a new one.
+  void expectHearingAgain(LiveListener& listener, int string, const char* after) {
+    const std::string note = longNote(kCelloStrings[string].frequency);
     const auto start = Clock::now();
     const auto player = server_.playIntoMicrophone(note);
     EXPECT_TRUE(listener.hears(sounding, 10s)) << listener.child().errors();
-    const double seconds = secondsSince(start);
-    std::printf("  hears again %.2f s after %s\n", seconds, after);
-    EXPECT_LT(seconds, 3.0) << after;
-    EXPECT_TRUE(listener.hears(greenAt(1), 5s));
+    const double heard = secondsSince(start);
+    EXPECT_TRUE(listener.hears(greenAt(string), 5s)) << listener.child().errors();
+    std::printf("  %s: hears after %.2f s, green after %.2f s\n", after, heard,
+                secondsSince(start));
+    EXPECT_LT(heard, 3.0) << after;
+  }
+
+  // A note that the server itself tore proves nothing about the program: it is played again, twice.
+  std::optional<HeldNote> heldWithoutGap(LiveListener& listener, int string,
+                                         const std::string& file) {
+    for (int attempt = 0; attempt < 3; ++attempt) {
+      EXPECT_TRUE(listener.hears(silent, 5s)) << listener.child().errors();
+      HeldNote note = hold(server_, listener, string, file);
+      if (note.rigGap < 0.001) return note;
+      std::printf("  the sound server left a gap of %.0f ms\n", 1000.0 * note.rigGap);
+    }
+    return std::nullopt;
   }
 
   PrivateSoundServer server_;
 };
 
+void expectJudgedLive(const HeldNote& note, int string) {
+  for (const Tick& tick : note.all) {
+    if (tick.green()) {
+      ASSERT_EQ(tick.note, kCelloStrings[string].note) << "at " << tick.time;
+    }
+  }
+  for (const Tick& tick : note.steady) EXPECT_GT(tick.power, 0.1) << "a gap at " << tick.time;
+  const int inTune = countOf(note.steady, greenAt(string));
+  std::printf("  %s live: %d of %zu steady ticks in tune\n", kCelloStrings[string].note, inTune,
+              note.steady.size());
+  EXPECT_GE(note.steady.size(), 17U);
+  EXPECT_GE(inTune, kLeastShareLive[string] * static_cast<double>(note.steady.size()));
+  EXPECT_TRUE(note.all.back().rings[static_cast<size_t>(string)]);
+  EXPECT_GE(note.all.back().beeps, note.all.front().beeps + 1);
+}
+
 TEST_F(VirtualMicrophone, EveryStringOfASampledCelloLightsItsOwnGreen) {
   if (const std::string why = whyNoSampledCello(); !why.empty()) GTEST_SKIP() << why;
-  std::vector<std::string> files;
-  for (const CelloString& string : kCelloStrings) {
-    files.push_back(server_.folder().file(std::string(string.note) + ".wav"));
-    writeWav(files.back(), sampledCello({string.midiNote, string.frequency}));
-  }
   LiveListener listener(server_.environment());
-  for (const int string : {1, 0, 2, 3}) {
+  for (int string = 0; string < 4; ++string) {
     SCOPED_TRACE(kCelloStrings[string].note);
-    ASSERT_TRUE(listener.hears(cleared, 5s)) << listener.child().errors();
-    const size_t before = listener.ticks().size();
-    const int beepsBefore = listener.ticks().back().beeps;
-    const auto player = server_.playIntoMicrophone(files[static_cast<size_t>(string)]);
-    ASSERT_TRUE(listener.hears(greenAt(string), 5s)) << listener.child().errors();
-    std::this_thread::sleep_for(2500ms);
-    const Ticks ticks = listener.ticks();
-    int inTune = 0;
-    int steady = 0;
-    for (size_t n = before; n < ticks.size(); ++n) {
-      if (!ticks[n].green()) continue;
-      ASSERT_EQ(ticks[n].note, kCelloStrings[string].note) << "at " << ticks[n].time;
-      ++steady;
-      inTune += greenAt(string)(ticks[n]) ? 1 : 0;
-    }
-    std::printf("  %s live: %d of %d ticks in tune\n", kCelloStrings[string].note, inTune, steady);
-    EXPECT_GE(inTune, 0.95 * steady);
-    EXPECT_TRUE(ticks.back().rings[static_cast<size_t>(string)]);
-    EXPECT_GE(ticks.back().beeps, beepsBefore + 1);
+    const std::string file = server_.folder().file("note.wav");
+    writeWav(file, sampledCello({kCelloStrings[string].midiNote, kCelloStrings[string].frequency}));
+    const std::optional<HeldNote> note = heldWithoutGap(listener, string, file);
+    if (!note) GTEST_SKIP() << "this machine is too busy to play a note without gaps";
+    expectJudgedLive(*note, string);
   }
 }
 
 TEST_F(VirtualMicrophone, ListeningResumesWhenTheServerOrTheMicrophoneComesBack) {
   LiveListener listener(server_.environment());
+  expectHearingAgain(listener, 1, "started");
   {
     const auto player = server_.playIntoMicrophone(longNote(kCelloStrings[1].frequency));
-    ASSERT_TRUE(listener.hears(greenAt(1), 8s)) << listener.child().errors();
+    ASSERT_TRUE(listener.hears(greenAt(1), 5s));
     server_.kill();
     EXPECT_TRUE(listener.hears(cleared, 3s)) << "a dead server still has a level";
   }
   ASSERT_TRUE(server_.start()) << server_.reason();
-  expectHearingAgain(listener, "the server came back");
-  ASSERT_TRUE(server_.removeMicrophone());
-  EXPECT_TRUE(listener.hears(cleared, 3s)) << "a lost microphone still has a level";
+  expectHearingAgain(listener, 0, "server back");
+  {
+    const auto player = server_.playIntoMicrophone(longNote(kCelloStrings[0].frequency));
+    ASSERT_TRUE(listener.hears(greenAt(0), 5s));
+    ASSERT_TRUE(server_.removeMicrophone());
+    EXPECT_TRUE(listener.hears(cleared, 3s)) << "a lost microphone still has a level";
+  }
   ASSERT_TRUE(server_.addMicrophone());
-  expectHearingAgain(listener, "the microphone came back");
+  expectHearingAgain(listener, 2, "microphone back");
   EXPECT_TRUE(listener.child().running());
+  std::printf("%s", listener.child().errors().c_str());
+}
+
+// A server that hangs must not hold up the ticks: they never wait for it.
+TEST_F(VirtualMicrophone, TicksGoOnWhileTheServerHangs) {
+  LiveListener listener(server_.environment());
+  expectHearingAgain(listener, 1, "started");
+  const size_t before = listener.ticks().size();
+  server_.freeze();
+  std::this_thread::sleep_for(2s);
+  const Ticks ticks = listener.ticks();
+  server_.thaw();
+  std::printf("  %zu ticks in 2 s, level at last %.4f\n", ticks.size() - before,
+              ticks.back().power);
+  EXPECT_GE(ticks.size() - before, 17U);
+  expectHearingAgain(listener, 0, "server thawed");
 }
 
 TEST_F(VirtualMicrophone, SignalsEndTheProgramEvenWhileTheServerHangs) {

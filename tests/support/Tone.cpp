@@ -84,6 +84,23 @@ Sound joined(Sound sound, const Sound& next) {
   return sound;
 }
 
+Sound withoutSilentEnds(const Sound& sound) {
+  const auto sounding = [](float sample) { return sample != 0.0F; };
+  const auto first = std::find_if(sound.samples.begin(), sound.samples.end(), sounding);
+  const auto last = std::find_if(sound.samples.rbegin(), sound.samples.rend(), sounding).base();
+  return first < last ? Sound{sound.rate, {first, last}} : Sound{sound.rate, {}};
+}
+
+double longestGap(const Sound& sound) {
+  size_t longest = 0;
+  size_t run = 0;
+  for (const float sample : sound.samples) {
+    run = sample == 0.0F ? run + 1 : 0;
+    longest = std::max(longest, run);
+  }
+  return static_cast<double>(longest) / sound.rate;
+}
+
 Sound slice(const Sound& sound, double fromSeconds, double toSeconds) {
   const size_t end = std::min(sampleCount(sound.rate, toSeconds), sound.samples.size());
   const size_t begin = std::min(sampleCount(sound.rate, fromSeconds), end);

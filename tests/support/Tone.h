@@ -33,6 +33,10 @@ Sound scaledToRms(Sound sound, double level);
 // Both need equal rates; mixed() is as long as the longer one.
 Sound mixed(Sound sound, const Sound& other);
 Sound joined(Sound sound, const Sound& next);
+// The part from the first to the last sample that is not zero.
+Sound withoutSilentEnds(const Sound& sound);
+// The longest run of zeros in a sound, in seconds: in what a sound server passed on, a gap.
+double longestGap(const Sound& sound);
 Sound slice(const Sound& sound, double fromSeconds, double toSeconds);
 // The same sound at another rate, at the same pitch.
 Sound resampled(const Sound& sound, double rate);
