@@ -1,4 +1,4 @@
-// What one estimate costs beside its transform, and how fast the whole tuner listens.
+// What one estimate costs beside its transform.
 #include <benchmark/benchmark.h>
 #include <kissfft/kiss_fftr.h>
 
