@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include <chrono>
+#include <mutex>
 #include <utility>
 
 #include "adapters/cubeb/CaptureStream.h"
@@ -10,66 +10,53 @@
 namespace endpin {
 namespace {
 
-using namespace std::chrono_literals;
 using State = MicrophoneStatus::State;
-
-constexpr auto kCheckInterval = 200ms;  // how soon a stream that failed is noticed
-constexpr auto kRetryInterval = 500ms;
-constexpr auto kPatience = 1s;  // with the library, at the end
 
 }  // namespace
 
-// The control thread. The stream is its own; everything else lies in the shared state.
-class DeviceKeeper::Control {
+// The stream belongs to the control thread; everything else is what it says to the others.
+class DeviceKeeper::Microphone : public KeptStream {
  public:
-  explicit Control(std::shared_ptr<Shared> shared) : shared_(std::move(shared)) {}
+  explicit Microphone(std::string wanted) : wanted_(std::move(wanted)) {}
 
-  void run() {
-    while (!quit()) {
-      if (!asked()) {
-        letGo({State::Closed, ""});
-        pause(kRetryInterval);
-      } else if (!stream_) {
-        tryToOpen();
-      } else if (stream_->isAlive()) {
-        publish({State::Open, stream_->deviceName()}, stream_->feed());
-        pause(kCheckInterval);
-      } else {
-        letGo({State::Missing, "the microphone is gone"});
-      }
-    }
-    letGo({State::Closed, ""});
-    const std::lock_guard lock(shared_->mutex);
-    shared_->ended = true;
-    shared_->changed.notify_all();
+  Outcome open() override {
+    std::string reason;
+    stream_ = CaptureStream::open(wanted_, reason);
+    if (stream_) return publishOpen();
+    publish({State::Missing, reason}, nullptr);
+    return Outcome::Missing;
+  }
+
+  Outcome check() override {
+    if (stream_->isAlive()) return publishOpen();
+    letGo({State::Missing, "the microphone is gone"});
+    return Outcome::Missing;
+  }
+
+  void close() override { letGo({State::Closed, ""}); }
+
+  // Thread: any, from here on.
+  void noteOpening() {
+    const std::lock_guard lock(mutex_);
+    if (status_.state == State::Closed) status_.state = State::Opening;
+  }
+  MicrophoneStatus status() const {
+    const std::lock_guard lock(mutex_);
+    return status_;
+  }
+  std::shared_ptr<CaptureFeed> feed() const {
+    const std::lock_guard lock(mutex_);
+    return feed_;
+  }
+  std::vector<std::string> takeNews() {
+    const std::lock_guard lock(mutex_);
+    return std::exchange(news_, {});
   }
 
  private:
-  bool quit() const {
-    const std::lock_guard lock(shared_->mutex);
-    return shared_->quit;
-  }
-  bool asked() const {
-    const std::lock_guard lock(shared_->mutex);
-    return shared_->open;
-  }
-
-  // Waits that long, or until something else is asked for.
-  void pause(std::chrono::milliseconds time) const {
-    std::unique_lock lock(shared_->mutex);
-    const bool open = shared_->open;
-    shared_->changed.wait_for(lock, time, [&] { return shared_->quit || shared_->open != open; });
-  }
-
-  void tryToOpen() {
-    std::string reason;
-    stream_ = CaptureStream::open(shared_->wanted, reason);
-    if (stream_) {
-      publish({State::Open, stream_->deviceName()}, stream_->feed());
-    } else {
-      publish({State::Missing, reason}, nullptr);
-      pause(kRetryInterval);
-    }
+  Outcome publishOpen() {
+    publish({State::Open, stream_->deviceName()}, stream_->feed());
+    return Outcome::Open;
   }
 
   // Says so first: to close the stream may take for ever.
@@ -78,64 +65,51 @@ class DeviceKeeper::Control {
     stream_.reset();
   }
 
-  void publish(const MicrophoneStatus& status, std::shared_ptr<CaptureFeed> feed) const {
-    const std::lock_guard lock(shared_->mutex);
-    const MicrophoneStatus old = std::exchange(shared_->status, status);
-    shared_->feed = std::move(feed);
+  void publish(const MicrophoneStatus& status, std::shared_ptr<CaptureFeed> feed) {
+    const std::lock_guard lock(mutex_);
+    const MicrophoneStatus old = std::exchange(status_, status);
+    feed_ = std::move(feed);
     const bool stillMissing = old.state == State::Missing && status.state == State::Missing;
-    if (stillMissing) shared_->status.text = old.text;  // what happened first explains the rest
+    if (stillMissing) status_.text = old.text;  // what happened first explains the rest
     if (stillMissing || (old.state == status.state && old.text == status.text)) return;
     if (status.state == State::Open) {
-      shared_->news.push_back(
-          fmt::format("Microphone: {}, {} Hz", status.text, shared_->feed->rate));
+      news_.push_back(fmt::format("Microphone: {}, {} Hz", status.text, feed_->rate));
     } else if (status.state == State::Missing) {
-      shared_->news.push_back(fmt::format("Microphone: {}; waiting for it", status.text));
+      news_.push_back(fmt::format("Microphone: {}; waiting for it", status.text));
     }
   }
 
-  const std::shared_ptr<Shared> shared_;
+  const std::string wanted_;
   std::unique_ptr<CaptureStream> stream_;
+
+  mutable std::mutex mutex_;  // guards the rest
+  MicrophoneStatus status_;
+  std::shared_ptr<CaptureFeed> feed_;
+  std::vector<std::string> news_;
 };
 
 DeviceKeeper::DeviceKeeper(const std::string& wanted)
-    : shared_(std::make_shared<Shared>(wanted)),
-      thread_([shared = shared_] { Control(shared).run(); }) {}
-
-DeviceKeeper::~DeviceKeeper() {
-  std::unique_lock lock(shared_->mutex);
-  shared_->quit = true;
-  shared_->changed.notify_all();
-  const bool ended = shared_->changed.wait_for(lock, kPatience, [&] { return shared_->ended; });
-  lock.unlock();
-  ended ? thread_.join() : thread_.detach();
-}
+    : microphone_(std::make_shared<Microphone>(wanted)), keeper_(microphone_) {}
 
 void DeviceKeeper::open() {
-  const std::lock_guard lock(shared_->mutex);
-  if (!shared_->open) shared_->status = {State::Opening, ""};
-  shared_->open = true;
-  shared_->changed.notify_all();
+  if (!keeper_.wanted()) microphone_->noteOpening();
+  keeper_.open();
 }
 
 void DeviceKeeper::close() {
-  const std::lock_guard lock(shared_->mutex);
-  shared_->open = false;
-  shared_->changed.notify_all();
+  keeper_.close();
 }
 
 MicrophoneStatus DeviceKeeper::status() const {
-  const std::lock_guard lock(shared_->mutex);
-  return shared_->status;
+  return microphone_->status();
 }
 
 std::shared_ptr<CaptureFeed> DeviceKeeper::feed() const {
-  const std::lock_guard lock(shared_->mutex);
-  return shared_->feed;
+  return microphone_->feed();
 }
 
 std::vector<std::string> DeviceKeeper::takeNews() {
-  const std::lock_guard lock(shared_->mutex);
-  return std::exchange(shared_->news, {});
+  return microphone_->takeNews();
 }
 
 }  // namespace endpin

@@ -1,16 +1,12 @@
-// Keeps the microphone open: opens it, notices when it goes, tries again every half second until it
-// is back. All of that happens on a control thread of its own, because a sound server that hangs
-// makes every call to the library hang. Nobody else ever waits for it.
+// Keeps the microphone open, and says how it stands with it. Nobody waits for the sound server.
 #pragma once
 
-#include <condition_variable>
 #include <memory>
-#include <mutex>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "adapters/cubeb/CaptureFeed.h"
+#include "adapters/cubeb/StreamKeeper.h"
 
 namespace endpin {
 
@@ -29,15 +25,11 @@ struct MicrophoneStatus {
 
 class DeviceKeeper {
  public:
-  // Takes care of the microphone of that name or id, or the default one for the empty name.
+  // Takes care of the microphone of that name or id, or the default one for the empty name. The
+  // destructor closes it, and waits a second for the library at most.
   explicit DeviceKeeper(const std::string& wanted);
-  // Closes the microphone. Waits a second for the library at most, then leaves the control thread
-  // to itself with all that it needs.
-  ~DeviceKeeper();
-  DeviceKeeper(const DeviceKeeper&) = delete;
-  DeviceKeeper& operator=(const DeviceKeeper&) = delete;
 
-  // None of the following waits for the library. Thread: any.
+  // Thread: any, from here on.
   void open();
   void close();
   [[nodiscard]] MicrophoneStatus status() const;
@@ -49,23 +41,10 @@ class DeviceKeeper {
   [[nodiscard]] std::vector<std::string> takeNews();
 
  private:
-  struct Shared {
-    explicit Shared(const std::string& device) : wanted(device) {}
+  class Microphone;
 
-    const std::string wanted;
-    mutable std::mutex mutex;
-    std::condition_variable changed;
-    bool open = false;   // what is asked for
-    bool quit = false;   // likewise
-    bool ended = false;  // the control thread has nothing more to do
-    MicrophoneStatus status;
-    std::shared_ptr<CaptureFeed> feed;
-    std::vector<std::string> news;
-  };
-  class Control;
-
-  std::shared_ptr<Shared> shared_;
-  std::thread thread_;
+  std::shared_ptr<Microphone> microphone_;
+  StreamKeeper keeper_;
 };
 
 }  // namespace endpin
