@@ -1,0 +1,106 @@
+#include "adapters/cubeb/CubebOutput.h"
+
+#include <cubeb/cubeb.h>
+
+#include <cmath>
+#include <optional>
+#include <utility>
+
+#include "adapters/cubeb/OutputStream.h"
+#include "adapters/cubeb/RenderGate.h"
+#include "adapters/cubeb/StreamKeeper.h"
+
+namespace endpin {
+namespace {
+
+constexpr std::uint32_t kFlags = kAudioFormatFlagIsSignedInteger | kAudioFormatFlagIsPacked;
+
+// Whether every frame is a word of two 16-bit samples, at a rate that the library can be told.
+bool isStereoWords(const AudioStreamFormat& format) {
+  return format.mFormatID == kAudioFormatLinearPCM && format.mFormatFlags == kFlags &&
+         format.mChannelsPerFrame == 2 && format.mBitsPerChannel == 16 &&
+         format.mBytesPerFrame == 4 && format.mSampleRate >= 1000 && format.mSampleRate <= 192000 &&
+         std::trunc(format.mSampleRate) == format.mSampleRate;
+}
+
+// A tone for as long as it is wanted.
+class ToneStream : public KeptStream {
+ public:
+  ToneStream(std::uint32_t rate, std::shared_ptr<RenderGate> gate)
+      : format_{"Tuning fork", rate, 2}, gate_(std::move(gate)) {}
+
+  Outcome open() override {
+    stream_ = OutputStream::open(format_, *gate_);
+    return stream_ ? Outcome::Open : Outcome::Missing;
+  }
+  Outcome check() override {
+    if (!stream_->failed()) return Outcome::Open;
+    stream_.reset();
+    return Outcome::Missing;
+  }
+  void close() override { stream_.reset(); }
+
+ private:
+  const OutputStream::Format format_;
+  const std::shared_ptr<RenderGate> gate_;
+  std::unique_ptr<OutputStream> stream_;
+};
+
+class CubebOutputUnit : public AudioOutputUnit {
+ public:
+  // The gate goes first: the stream may take for ever to close.
+  ~CubebOutputUnit() override {
+    if (gate_) gate_->shut();
+  }
+
+  AudioStatus setStreamFormat(const AudioStreamFormat& format) override {
+    if (gate_) return CUBEB_ERROR;
+    if (!isStereoWords(format)) return CUBEB_ERROR_INVALID_FORMAT;
+    rate_ = static_cast<std::uint32_t>(format.mSampleRate);
+    return CUBEB_OK;
+  }
+
+  AudioStatus setRenderCallback(AudioRenderCallback callback, void* userData) override {
+    if (gate_ || !callback) return CUBEB_ERROR;
+    callback_ = callback;
+    userData_ = userData;
+    return CUBEB_OK;
+  }
+
+  AudioStatus initialize() override {
+    if (gate_ || rate_ == 0 || !callback_) return CUBEB_ERROR;
+    gate_ = std::make_shared<RenderGate>(callback_, userData_);
+    keeper_.emplace(std::make_shared<ToneStream>(rate_, gate_));
+    return CUBEB_OK;
+  }
+
+  AudioStatus start() override {
+    if (!keeper_) return CUBEB_ERROR;
+    gate_->mute(false);
+    keeper_->open();
+    return CUBEB_OK;
+  }
+
+  // Muted as well: closing takes its time, and a callback that nobody hears shall not go on.
+  AudioStatus stop() override {
+    if (!keeper_) return CUBEB_ERROR;
+    gate_->mute(true);
+    keeper_->close();
+    return CUBEB_OK;
+  }
+
+ private:
+  std::uint32_t rate_ = 0;  // hertz; 0: not set
+  AudioRenderCallback callback_ = nullptr;
+  void* userData_ = nullptr;
+  std::shared_ptr<RenderGate> gate_;
+  std::optional<StreamKeeper> keeper_;
+};
+
+}  // namespace
+
+std::unique_ptr<AudioOutputUnit> CubebOutput::newOutputUnit() {
+  return std::make_unique<CubebOutputUnit>();
+}
+
+}  // namespace endpin
