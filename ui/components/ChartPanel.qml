@@ -6,7 +6,9 @@ Sheet {
 
     required property string temperament
     readonly property real pictureTop: metrics.by(62, 74, 84)
-    readonly property real pictureHeight: Math.round(metrics.sheetContent * 248 / 342)
+    // Without a picture (none is shown until a preset is chosen) the labels move up.
+    readonly property real pictureHeight: picture.image === "" ? 0
+        : Math.round(metrics.sheetContent * 248 / 342)
 
     title: Texts.of("ChartTitle")
     contentHeight: rows.y + rows.height
@@ -24,6 +26,7 @@ Sheet {
         Accessible.name: text
     }
     PictureOutlet {
+        id: picture
         objectName: "chartDisplay"
         y: chart.pictureTop
         width: parent.width
