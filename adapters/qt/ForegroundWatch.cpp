@@ -16,8 +16,8 @@ ForegroundWatch::ForegroundWatch(QWindow& window, std::function<void()> entered)
 void ForegroundWatch::look() {
   const auto state = QGuiApplication::applicationState();
   const bool away = window_.visibility() == QWindow::Hidden ||
-                    window_.visibility() == QWindow::Minimized ||
-                    state == Qt::ApplicationHidden || state == Qt::ApplicationSuspended;
+                    window_.visibility() == QWindow::Minimized || state == Qt::ApplicationHidden ||
+                    state == Qt::ApplicationSuspended;
   if (!away && !inFront_) entered_();
   inFront_ = !away;
 }

@@ -22,6 +22,12 @@ std::string actionOf(const QQuickItem& item) {
   return item.property("action").toString().toStdString();
 }
 
+bool passesOn(const QQuickItem& item, const std::string& action) {
+  const auto parts = item.childItems();
+  return std::any_of(parts.begin(), parts.end(),
+                     [&](const QQuickItem* part) { return actionOf(*part) == action; });
+}
+
 }  // namespace
 
 LayoutBinder::LayoutBinder(QQuickItem& root, ViewController& controller, Log& log)
@@ -59,10 +65,11 @@ void LayoutBinder::connectOutlet(QQuickItem& item, OutletMember<ViewType> outlet
 }
 
 // An item may change its action as it goes, so that any item that has one is listened to, and the
-// name is looked up when it is used.
+// name is looked up when it is used. One that only passes its action on to a part of it does not
+// act itself.
 void LayoutBinder::bindAction(QQuickItem& item) {
   const std::string action = actionOf(item);
-  if (action.empty()) return;
+  if (action.empty() || passesOn(item, action)) return;
   if (!rowNamed(actionNames(), action)) complain(item, "has an unknown action, " + action);
   const int signal = item.metaObject()->indexOfSignal("activated()");
   if (signal < 0) return complain(item, "has an action and no signal activated()");
@@ -84,23 +91,20 @@ void LayoutBinder::onActivated() {
 }
 
 void LayoutBinder::call(const ActionName& action, QQuickItem& item) {
-  const auto with = [&]<class Sender>(void (ViewController::*method)(Sender&)) {
-    if (auto* used = senderFor<std::remove_const_t<Sender>>(item)) {
-      (controller_.*method)(*used);
-    } else {
-      complain(item, "is no control for the action " + std::string(action.name));
-    }
-  };
-  const auto without = [&](void (ViewController::*method)()) { (controller_.*method)(); };
-  std::visit(
-      [&](auto method) {
-        if constexpr (std::is_invocable_v<decltype(without), decltype(method)>) {
-          without(method);
-        } else {
-          with(method);
-        }
-      },
-      action.call);
+  std::visit([&](const auto& method) { perform(method, item); }, action.call);
+}
+
+void LayoutBinder::perform(void (ViewController::*const& method)(), QQuickItem&) {
+  (controller_.*method)();
+}
+
+template <class Sender>
+void LayoutBinder::perform(void (ViewController::*const& method)(Sender&), QQuickItem& item) {
+  if (auto* used = senderFor<std::remove_const_t<Sender>>(item)) {
+    (controller_.*method)(*used);
+  } else {
+    complain(item, "is no control for the action " + actionOf(item));
+  }
 }
 
 template <class Sender>

@@ -50,6 +50,9 @@ class LayoutBinder final : public QObject {
   template <class ViewType>
   void connectOutlet(QQuickItem& item, OutletMember<ViewType> outlet);
   void call(const ActionName& action, QQuickItem& item);
+  void perform(void (ViewController::*const& method)(), QQuickItem& item);
+  template <class Sender>
+  void perform(void (ViewController::*const& method)(Sender&), QQuickItem& item);
   template <class Sender>
   Sender* senderFor(const QQuickItem& item);
   void markChanged(BoundView& view);

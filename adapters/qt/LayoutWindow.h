@@ -34,8 +34,8 @@ class LayoutWindow final : public Screen {
     DeviceModel model;
     Presentation presentation = Presentation::Window;
     QVariantMap texts;
-    QString version;    // of the application, for people
-    QString openPanel;  // at start
+    QString version;                                          // of the application, for people
+    QString openPanel;                                        // at start
     QString folder = QStringLiteral("qrc:/endpin/layouts/");  // URL, with a slash at the end
   };
 
@@ -71,8 +71,8 @@ class LayoutWindow final : public Screen {
   Log& log_;
   bool reducedMotion_ = false;
   QQmlEngine engine_;
-  QQuickWindow window_;
   std::unique_ptr<QQuickItem> root_;
+  QQuickWindow window_;  // goes before what it shows: it frees what was made for drawing it
   std::unique_ptr<LayoutBinder> binder_;
 };
 

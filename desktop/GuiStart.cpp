@@ -1,0 +1,106 @@
+#include "desktop/GuiStart.h"
+
+#include <QInputDevice>
+#include <QOpenGLContext>
+#include <QQuickWindow>
+#include <QScreen>
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <optional>
+
+#include "adapters/posix/MutedStandardError.h"
+#include "desktop/DefaultTexts.h"
+
+namespace endpin {
+namespace {
+
+// The toolkit reports through a plain function; this is the one place that it can find its way to
+// our log from.
+Log* messageLog = nullptr;
+
+void logMessage(QtMsgType, const QMessageLogContext&, const QString& message) {
+  if (messageLog) messageLog->line(message.toStdString());
+}
+
+// While the toolkit looks for a display: what its libraries print by themselves is held back.
+std::optional<MutedStandardError> muted;
+
+// The toolkit ends the process when it finds no display. It says so at some length, and fatally
+// only at the end.
+void reportMissingDisplay(QtMsgType type, const QMessageLogContext&, const QString&) {
+  if (type != QtFatalMsg) return;
+  muted.reset();
+  std::fputs(
+      "endpin: there is no display to show the screen on (DISPLAY and WAYLAND_DISPLAY name one)\n",
+      stderr);
+  std::_Exit(EXIT_FAILURE);
+}
+
+// Without a graphics driver that works, the screen is drawn by the processor. The toolkit would
+// end the process instead.
+void chooseRenderer() {
+  if (!qEnvironmentVariableIsEmpty("QT_QUICK_BACKEND")) return;
+  const bool hasWindows = QGuiApplication::platformName() != QLatin1String("offscreen");
+  if (hasWindows && QOpenGLContext().create()) return;
+  QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+}
+
+std::optional<DeviceModel> deviceOfScreen() {
+  const QSize size = QGuiApplication::primaryScreen()->size();
+  const auto inputs = QInputDevice::devices();
+  const bool touch = std::any_of(inputs.begin(), inputs.end(), [](const QInputDevice* input) {
+    return input->type() == QInputDevice::DeviceType::TouchScreen;
+  });
+  return deviceForScreen(size.width(), size.height(), touch);
+}
+
+Presentation choosePresentation(const Options& options) {
+  if (!options.screenshot.empty()) return Presentation::Picture;
+  const bool screenIsDevice = !options.device && deviceOfScreen();
+  return screenIsDevice ? Presentation::Screen : Presentation::Window;
+}
+
+}  // namespace
+
+std::unique_ptr<QGuiApplication> startGui(char** arguments, const Options& options, Log& log) {
+  static int argumentCount = 1;  // the toolkit keeps a reference; our options are not its own
+  if (!options.screenshot.empty() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+  }
+  QCoreApplication::setApplicationName(QStringLiteral("endpin"));
+  QGuiApplication::setApplicationDisplayName(QStringLiteral("Endpin"));
+  QGuiApplication::setDesktopFileName(QStringLiteral("io.endpin.Endpin"));
+  messageLog = &log;
+  qInstallMessageHandler(reportMissingDisplay);
+  muted.emplace();
+  auto application = std::make_unique<QGuiApplication>(argumentCount, arguments);
+  muted.reset();
+  qInstallMessageHandler(logMessage);
+  chooseRenderer();
+  return application;
+}
+
+DeviceModel chooseDevice(const Options& options) {
+  return options.device.value_or(deviceOfScreen().value_or(desktopDevice()));
+}
+
+LayoutWindow::Setup setUpWindow(const Options& options, const DeviceModel& model,
+                                const Bundle& bundle) {
+  return {.model = model,
+          .presentation = choosePresentation(options),
+          .texts = defaultTexts(bundle),
+          .version = QString::fromStdString(bundle.infoValue("CFBundleVersion").value_or("")),
+          .openPanel = QString::fromStdString(options.panel)};
+}
+
+void planScreenshot(const Options& options, LayoutWindow& window, RunLoop& runLoop) {
+  if (options.screenshot.empty()) return;
+  runLoop.performAfterDelay(options.after, [&window, path = options.screenshot] {
+    const auto problem = window.saveScreenshot(path);
+    if (problem) std::fprintf(stderr, "endpin: %s\n", problem->c_str());
+    QCoreApplication::exit(problem ? EXIT_FAILURE : EXIT_SUCCESS);
+  });
+}
+
+}  // namespace endpin

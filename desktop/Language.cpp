@@ -1,0 +1,45 @@
+#include "desktop/Language.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <vector>
+
+#include "adapters/bundle/FileBundle.h"
+#include "desktop/StartError.h"
+
+namespace endpin {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::vector<std::string> languagesIn(const std::string& resourcePath) {
+  std::vector<std::string> tags;
+  std::error_code missing;
+  for (const auto& file : fs::directory_iterator(resourcePath + "/texts/Localizable", missing)) {
+    if (file.path().extension() == ".json") tags.push_back(file.path().stem());
+  }
+  std::sort(tags.begin(), tags.end());
+  return tags;
+}
+
+// Whether `tag` is one of ours or one of its regions: "pt-BR" for "pt".
+bool speaks(const std::vector<std::string>& languages, const std::string& tag) {
+  return std::any_of(languages.begin(), languages.end(), [&](const std::string& language) {
+    return tag == language || (tag.starts_with(language) && tag[language.size()] == '-');
+  });
+}
+
+}  // namespace
+
+std::string chooseLanguage(const std::string& wanted, const std::string& resourcePath) {
+  if (wanted.empty()) return environmentLanguage();
+  const std::string tag = languageTag(wanted);
+  const auto languages = languagesIn(resourcePath);
+  if (speaks(languages, tag) && wanted != "C" && wanted != "POSIX") return tag;
+  throw StartError(kExitUsage, fmt::format("there are no texts in the language \"{}\", only in {}",
+                                           wanted, fmt::join(languages, ", ")));
+}
+
+}  // namespace endpin

@@ -1,0 +1,108 @@
+#include "desktop/Options.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "adapters/sqlite/StorePath.h"
+#include "desktop/StartError.h"
+
+namespace endpin {
+namespace {
+
+constexpr std::array<const char*, 4> kPanels = {"settings", "fork", "chart", "about"};
+
+struct Arguments {
+  Options options;
+  std::string device;
+  std::string store;
+  bool listDevices = false;
+};
+
+void addOptions(CLI::App& app, Arguments& into) {
+  Options& options = into.options;
+  app.add_option("--device", into.device, "Simulate a device, such as phone:667");
+  app.add_flag("--list-devices", into.listDevices, "List the devices and end");
+  auto* input = app.add_option("--input", options.input,
+                               "Listen to a sound file, in real time, instead of the microphone");
+  app.add_option("--input-device", options.inputDevice, "Microphone to use, by name or id")
+      ->excludes(input);
+  app.add_option("--store", into.store, "File to keep the settings in")->type_name("PATH");
+  app.add_option("--language", options.language, "Language to use, such as de or pt-BR");
+  app.add_option("--panel", options.panel, "Panel to open: settings, fork, chart or about");
+  auto* screenshot = app.add_option("--screenshot", options.screenshot,
+                                    "Save the screen as a PNG, two pixels a point, and end");
+  app.add_option("--after", options.after, "Seconds until the screenshot (1)")->needs(screenshot);
+  app.add_flag("--verbose", options.verbose, "Write the log to standard error");
+}
+
+[[noreturn]] void reject(std::string message) {
+  std::replace(message.begin(), message.end(), '\n', ' ');
+  throw StartError(kExitUsage, message);
+}
+
+void rejectEmptyTexts(const CLI::App& app) {
+  for (const CLI::Option* option : app.get_options()) {
+    const auto& given = option->results();
+    if (std::find(given.begin(), given.end(), "") != given.end()) {
+      reject(option->get_name() + " needs a value");
+    }
+  }
+}
+
+std::string deviceTable() {
+  std::string table;
+  for (const DeviceModel& model : deviceList()) {
+    table += fmt::format("{:<12} {:>4.0f} x {:.0f}\n", nameOf(model), model.width, model.height);
+  }
+  return table;
+}
+
+Options checked(Arguments arguments) {
+  Options& options = arguments.options;
+  if (!arguments.device.empty()) {
+    options.device = deviceNamed(arguments.device);
+    if (!options.device) {
+      reject(
+          fmt::format("there is no device \"{}\" (--list-devices names them)", arguments.device));
+    }
+  }
+  if (!options.panel.empty() &&
+      std::find(kPanels.begin(), kPanels.end(), options.panel) == kPanels.end()) {
+    reject(fmt::format("there is no panel \"{}\": --panel takes {}", options.panel,
+                       fmt::join(kPanels, ", ")));
+  }
+  constexpr double kLongest = 86400;
+  if (!(options.after >= 0 && options.after <= kLongest)) {
+    reject(fmt::format("--after takes seconds from 0 to {:.0f}", kLongest));
+  }
+  options.store =
+      arguments.store.empty() ? defaultStorePath() : std::filesystem::path(arguments.store);
+  return options;
+}
+
+}  // namespace
+
+std::variant<Options, PrintText> parseOptions(int argc, const char* const* argv) {
+  Arguments arguments;
+  CLI::App app("Endpin, a tuner for the cello", "endpin");
+  app.set_version_flag("--version", "endpin " ENDPIN_VERSION);
+  addOptions(app, arguments);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::CallForHelp&) {
+    return PrintText{app.help()};
+  } catch (const CLI::CallForVersion& version) {
+    return PrintText{std::string(version.what()) + '\n'};
+  } catch (const CLI::ParseError& error) {
+    reject(std::string(error.what()) + " (--help explains)");
+  }
+  rejectEmptyTexts(app);
+  if (arguments.listDevices) return PrintText{deviceTable()};
+  return checked(std::move(arguments));
+}
+
+}  // namespace endpin

@@ -1,0 +1,34 @@
+// What the user asked for on the command line.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <variant>
+
+#include "adapters/qt/DeviceList.h"
+
+namespace endpin {
+
+struct Options {
+  std::optional<DeviceModel> device;  // to simulate; none: what the screen suggests
+  std::string input;                  // sound file in place of the microphone; empty: none
+  std::string inputDevice;            // name or id of the microphone; empty: the default one
+  std::filesystem::path store;        // the settings
+  std::string language;               // tag; empty: the system's
+  std::string panel;                  // to open at start; empty: none
+  std::string screenshot;             // file to write; empty: none
+  double after = 1;                   // seconds until then
+  bool verbose = false;               // the log goes to standard error
+};
+
+// Help, version, list of devices: text for standard output, and nothing else to do.
+struct PrintText {
+  std::string text;
+};
+
+// Throws StartError for what makes no sense. Before the application object: it changes the locale
+// that numbers are read by.
+[[nodiscard]] std::variant<Options, PrintText> parseOptions(int argc, const char* const* argv);
+
+}  // namespace endpin

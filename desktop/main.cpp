@@ -1,0 +1,74 @@
+// endpin: the tuner with its screen.
+#include <cstdio>
+
+#include "adapters/bundle/FileBundle.h"
+#include "adapters/log/NullLog.h"
+#include "adapters/log/StreamLog.h"
+#include "adapters/qt/ForegroundWatch.h"
+#include "adapters/qt/MotionPreference.h"
+#include "adapters/qt/QtDevice.h"
+#include "adapters/qt/QtRunLoop.h"
+#include "adapters/qt/QuitSignals.h"
+#include "adapters/sqlite/SqliteStore.h"
+#include "app/AppDelegate.h"
+#include "app/ViewController.h"
+#include "audio/LumoListener.h"
+#include "desktop/GuiStart.h"
+#include "desktop/Language.h"
+#include "desktop/Options.h"
+#include "desktop/Sound.h"
+#include "desktop/StartError.h"
+#include "ports/Platform.h"
+
+namespace endpin {
+namespace {
+
+int run(const Options& options, char** arguments) {
+  StreamLog problems(stderr);
+  NullLog nowhere;
+  Log& log = options.verbose ? static_cast<Log&>(problems) : nowhere;
+
+  const std::string resources = applicationResourcePath();
+  const std::string language = chooseLanguage(options.language, resources);
+  FileBundle bundle({resources, language, ENDPIN_VERSION}, log);
+  Sound sound(options, log);
+
+  const auto application = startGui(arguments, options, log);
+  const QuitSignals quitSignals;
+  QtRunLoop runLoop;
+  sound.follow(runLoop);
+  SqliteStore settings(options.store, problems);
+  QtDevice device(chooseDevice(options), log);
+  Platform platform{sound.input(),  sound.session(), sound.players(),
+                    sound.output(), runLoop,         settings,
+                    device,         bundle,          log};
+
+  ViewController controller(platform);
+  LayoutWindow window(setUpWindow(options, device.model(), bundle), controller, problems);
+  const MotionPreference motion([&](bool reduced) { window.setReducedMotion(reduced); });
+  AppDelegate delegate({device, window, log});
+  delegate.applicationDidFinishLaunching();
+  if (!window.hasLayout()) throw StartError(kExitFailure, "the screen cannot be shown");
+  const ForegroundWatch watch(window.window(), [&] { delegate.applicationWillEnterForeground(); });
+  planScreenshot(options, window, runLoop);
+  const int exitCode = QGuiApplication::exec();
+  LumoListener::releaseSharedListener();
+  return exitCode;
+}
+
+}  // namespace
+}  // namespace endpin
+
+int main(int argc, char** argv) {
+  using namespace endpin;
+  holdQuitSignals();
+  try {
+    const auto asked = parseOptions(argc, argv);
+    if (const auto* options = std::get_if<Options>(&asked)) return run(*options, argv);
+    std::fputs(std::get<PrintText>(asked).text.c_str(), stdout);
+    return 0;
+  } catch (const StartError& error) {
+    std::fprintf(stderr, "endpin: %s\n", error.what());
+    return error.exitCode();
+  }
+}

@@ -1,0 +1,121 @@
+#include <gtest/gtest.h>
+
+#include <QTest>
+#include <chrono>
+#include <set>
+#include <thread>
+
+#include "adapters/qt/DeviceList.h"
+#include "adapters/qt/QtRunLoop.h"
+#include "app/LayoutTable.h"
+
+namespace endpin {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double since(Clock::time_point begin) {
+  return std::chrono::duration<double>(Clock::now() - begin).count();
+}
+
+TEST(QtRunLoop, TimersKeepTheirPhaseAndSkipWhatTheyMissed) {
+  QtRunLoop loop;
+  const auto begin = Clock::now();
+  std::vector<double> fired;
+  loop.scheduleTimer(0.05, [&] {
+    fired.push_back(since(begin));
+    if (fired.size() == 2) std::this_thread::sleep_for(std::chrono::milliseconds(130));
+  });
+  QTest::qWait(420);
+  // Due at 0.05, 0.10, then late for 0.15 and 0.20: one late call, and 0.25 again on time.
+  ASSERT_GE(fired.size(), 5U);
+  EXPECT_LE(fired.size(), 7U);
+  for (std::size_t i = 0; i < fired.size(); ++i) {
+    const double phase = fired[i] - 0.05 * std::floor(fired[i] / 0.05);
+    if (i != 2) EXPECT_LT(phase, 0.03) << "call " << i << " at " << fired[i];
+  }
+  EXPECT_GE(fired[2], 0.229);
+}
+
+TEST(QtRunLoop, CallsComeInTheOrderOfTheirDueTimes) {
+  QtRunLoop loop;
+  std::string order;
+  loop.performAfterDelay(0.03, [&] { order += 'c'; });
+  loop.performAfterDelay(0.01, [&] { order += 'b'; });
+  loop.performAfterDelay(-1, [&] {
+    order += 'a';
+    loop.performAfterDelay(0.05, [&] { order += 'd'; });
+  });
+  QTest::qWait(10);
+  std::this_thread::sleep_for(std::chrono::milliseconds(60));
+  QTest::qWait(100);
+  EXPECT_EQ(order, "abcd");
+}
+
+TEST(QtRunLoop, OtherThreadsHandCallsOver) {
+  QtRunLoop loop;
+  const auto mainThread = std::this_thread::get_id();
+  std::vector<int> calls;
+  std::thread([&] {
+    for (int i = 0; i < 100; ++i) {
+      loop.dispatchAsync([&, i] {
+        EXPECT_EQ(std::this_thread::get_id(), mainThread);
+        calls.push_back(i);
+      });
+    }
+  }).join();
+  EXPECT_TRUE(calls.empty());
+  QTest::qWait(10);
+  ASSERT_EQ(calls.size(), 100U);
+  EXPECT_TRUE(std::is_sorted(calls.begin(), calls.end()));
+}
+
+TEST(DeviceList, HasOneDeviceForEveryHeightThatHasALayout) {
+  std::set<std::string> wanted;
+  for (const auto& choice : storyboardChoices()) {
+    for (const double height : choice.heights) {
+      wanted.insert(nameOf({choice.idiom, height, 0, 0, 0}));
+    }
+  }
+  std::set<std::string> listed;
+  for (const DeviceModel& model : deviceList()) {
+    listed.insert(nameOf(model));
+    EXPECT_EQ(deviceNamed(nameOf(model))->width, model.width);
+  }
+  EXPECT_EQ(listed, wanted);
+  for (const char* unknown : {"phone:700", "tablet:667", "phone", "phone:667.0", ""}) {
+    EXPECT_FALSE(deviceNamed(unknown)) << unknown;
+  }
+  EXPECT_EQ(nameOf(desktopDevice()), "phone:844");
+}
+
+TEST(DeviceList, SmallScreensGetTheNearestLayout) {
+  struct Row {
+    double width, height;
+    bool touch;
+    const char* device;  // empty: a desktop
+  };
+  const Row rows[] = {
+      {390, 844, true, "phone:844"},
+      {360, 720, true, "phone:812"},
+      {320, 480, false, "phone:480"},
+      {480, 320, false, "phone:480"},
+      {499, 900, false, "phone:736"},
+      {500, 900, false, ""},
+      {800, 1280, true, "tablet:1133"},
+      {1024, 1366, true, "tablet:1366"},
+      {1366, 768, true, ""},
+      {800, 800, true, ""},
+      {1200, 1920, true, ""},
+      {1920, 1080, false, ""},
+      {768, 1024, false, ""},
+      {0, 0, true, ""},
+  };
+  for (const Row& row : rows) {
+    const auto model = deviceForScreen(row.width, row.height, row.touch);
+    EXPECT_EQ(model ? nameOf(*model) : "", row.device) << row.width << " x " << row.height;
+  }
+}
+
+}  // namespace
+}  // namespace endpin

@@ -1,0 +1,28 @@
+// The application object that every test of the screen needs, without a display.
+#include <gtest/gtest.h>
+
+#include <QGuiApplication>
+#include <memory>
+
+namespace {
+
+class QtEnvironment final : public ::testing::Environment {
+ public:
+  void SetUp() override {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_QUICK_BACKEND", "software");
+    application_ = std::make_unique<QGuiApplication>(argumentCount_, arguments_);
+  }
+  void TearDown() override { application_.reset(); }
+
+ private:
+  int argumentCount_ = 1;
+  char name_[12] = "screen-test";
+  char* arguments_[2] = {name_, nullptr};
+  std::unique_ptr<QGuiApplication> application_;
+};
+
+[[maybe_unused]] const auto* const environment =
+    ::testing::AddGlobalTestEnvironment(new QtEnvironment);
+
+}  // namespace
