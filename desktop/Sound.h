@@ -4,8 +4,8 @@
 #include <optional>
 
 #include "adapters/cubeb/CubebMicrophone.h"
-#include "adapters/offline/CountingPlayers.h"
-#include "adapters/offline/SilentOutput.h"
+#include "adapters/cubeb/CubebOutput.h"
+#include "adapters/cubeb/CubebPlayers.h"
 #include "adapters/pulse/DesktopAudioSession.h"
 #include "desktop/FileInput.h"
 #include "desktop/Options.h"
@@ -34,8 +34,8 @@ class Sound {
   std::optional<FileInput> file_;
   CubebMicrophone microphone_;
   DesktopAudioSession session_;
-  CountingPlayers players_;
-  SilentOutput output_;
+  CubebPlayers players_;
+  CubebOutput output_;
 };
 
 }  // namespace endpin
