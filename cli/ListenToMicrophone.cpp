@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "adapters/cubeb/CubebMicrophone.h"
+#include "adapters/cubeb/CubebPlayers.h"
 #include "adapters/posix/MainRunLoop.h"
 #include "cli/ListenCommand.h"
 #include "cli/TickPrinter.h"
@@ -75,7 +76,8 @@ class LiveView {
 void listenToMicrophone(const ListenContext& context) {
   MainRunLoop runLoop;
   CubebMicrophone microphone(context.options.inputDevice, context.log);
-  Session session({microphone, runLoop, context.log, context.options.a4});
+  CubebPlayers speaker;
+  Session session({microphone, runLoop, context.log, context.options.a4, &speaker});
   LiveView view(context, microphone, session);
   session.start();
   // Made after the application's own timers, so that it runs right after each tick.

@@ -20,7 +20,8 @@ void saveEarlierRun(SettingsStore& settings, std::int64_t a4) {
 }  // namespace
 
 Session::Session(const Parts& parts)
-    : bundle_({applicationResourcePath(), environmentLanguage(), ENDPIN_VERSION}, parts.log),
+    : players_(parts.players),
+      bundle_({applicationResourcePath(), environmentLanguage(), ENDPIN_VERSION}, parts.log),
       platform_{parts.microphone, audioSession_, players_, output_,  parts.runLoop,
                 settings_,        device_,       bundle_,  parts.log},
       controller_(platform_) {

@@ -1,5 +1,5 @@
 // The whole application without a window, over a given microphone and run loop: settings in memory,
-// no sound out, beeps counted. One at a time. Thread: main.
+// beeps counted, no other sound out. One at a time. Thread: main.
 #pragma once
 
 #include <cstdint>
@@ -23,7 +23,8 @@ class Session {
     AudioInput& microphone;
     RunLoop& runLoop;
     Log& log;
-    std::optional<std::int64_t> a4;  // hertz, as saved in an earlier run; none: a first launch
+    std::optional<std::int64_t> a4;   // hertz, as saved in an earlier run; none: a first launch
+    AudioPlayers* players = nullptr;  // what the beep sounds through; none: it does not
   };
 
   // What `parts` refers to outlives the session.
