@@ -16,6 +16,7 @@
 #include "desktop/GuiStart.h"
 #include "desktop/Language.h"
 #include "desktop/Options.h"
+#include "desktop/Rating.h"
 #include "desktop/Sound.h"
 #include "desktop/StartError.h"
 #include "ports/Platform.h"
@@ -46,6 +47,7 @@ int run(const Options& options, char** arguments) {
   ViewController controller(platform);
   LayoutWindow window(setUpWindow(options, device.model(), bundle), controller, problems);
   const MotionPreference motion([&](bool reduced) { window.setReducedMotion(reduced); });
+  const Rating rating(platform, window.window());
   AppDelegate delegate({device, window, log});
   delegate.applicationDidFinishLaunching();
   if (!window.hasLayout()) throw StartError(kExitFailure, "the screen cannot be shown");
