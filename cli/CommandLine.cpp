@@ -7,6 +7,7 @@
 #include <charconv>
 
 #include "cli/CliError.h"
+#include "cli/ToneArguments.h"
 
 namespace endpin {
 namespace {
@@ -18,10 +19,11 @@ constexpr std::int64_t kHighestA4 = 9999;
 struct Arguments {
   ListenOptions listen;
   FrequenciesOptions frequencies;
+  ToneArguments tone;
   std::string a4;
 };
 
-CLI::App* addListen(CLI::App& app, Arguments& into) {
+void addListen(CLI::App& app, Arguments& into) {
   CLI::App* listen = app.add_subcommand("listen", "Listen, and say which string is in tune");
   ListenOptions& options = into.listen;
   auto* input = listen->add_option("--input", options.input,
@@ -40,7 +42,6 @@ CLI::App* addListen(CLI::App& app, Arguments& into) {
   listen->add_flag("--json", options.json, "Print a JSON object for each tick");
   listen->add_flag("--verbose", options.verbose, "Write the log to standard error");
   device->excludes(input);
-  return listen;
 }
 
 CLI::App* addFrequencies(CLI::App& app, Arguments& into) {
@@ -49,6 +50,18 @@ CLI::App* addFrequencies(CLI::App& app, Arguments& into) {
   frequencies->add_option("--a4", into.a4, "Calibration in whole hertz (440)");
   frequencies->add_flag("--json", into.frequencies.json, "Print one JSON object");
   return frequencies;
+}
+
+CLI::App* addTone(CLI::App& app, Arguments& into) {
+  CLI::App* tone = app.add_subcommand("tone", "Write the reference tone of a string to a file");
+  ToneArguments& texts = into.tone;
+  tone->add_option("--string", texts.string, "A3, D3, G2 or C2")->required();
+  tone->add_option("--a4", into.a4, "Calibration in whole hertz (440)");
+  tone->add_option("--waveform", texts.waveform, "sine, triangle, sawtooth or square (square)");
+  tone->add_option("--seconds", texts.seconds, "Length; fractions are allowed")->required();
+  tone->add_option("--output", texts.output, "Sound file to write (wav, 44100 Hz, stereo)")
+      ->required();
+  return tone;
 }
 
 std::string oneLine(std::string text) {
@@ -82,8 +95,9 @@ Command parseCommandLine(int argc, const char* const* argv) {
   CLI::App app("Endpin, a tuner for the cello, in the terminal", "endpin-cli");
   app.set_version_flag("--version", "endpin-cli " ENDPIN_VERSION);
   app.require_subcommand(1);
-  const CLI::App* listen = addListen(app, arguments);
+  addListen(app, arguments);
   const CLI::App* frequencies = addFrequencies(app, arguments);
+  const CLI::App* tone = addTone(app, arguments);
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp&) {
@@ -93,11 +107,17 @@ Command parseCommandLine(int argc, const char* const* argv) {
   } catch (const CLI::ParseError& error) {
     throw CliError(kExitUsage, oneLine(error.what()) + " (--help explains)");
   }
-  const CLI::App& chosen = *(listen->parsed() ? listen : frequencies);
+  const CLI::App& chosen = *app.get_subcommands().front();
   const bool a4Given = chosen.count("--a4") > 0;
   if (frequencies->parsed()) {
     if (a4Given) arguments.frequencies.a4 = parseA4(arguments.a4);
     return arguments.frequencies;
+  }
+  if (tone->parsed()) {
+    rejectEmpty(chosen, "--output");
+    ToneOptions options = toneOptions(arguments.tone);
+    if (a4Given) options.a4 = parseA4(arguments.a4);
+    return options;
   }
   for (const char* option : {"--input", "--input-device", "--or-recording"}) {
     rejectEmpty(chosen, option);

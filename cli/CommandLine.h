@@ -1,10 +1,13 @@
 // What the user asked for. parseCommandLine() turns the arguments into one of these.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <variant>
+
+#include "calibration/ToneSynthesizer.h"
 
 namespace endpin {
 
@@ -24,12 +27,21 @@ struct FrequenciesOptions {
   bool json = false;
 };
 
+// The reference tone of a string, as a sound file.
+struct ToneOptions {
+  std::size_t string = 0;  // 0 to 3, from the highest
+  std::int64_t a4 = 440;   // hertz
+  ToneSynthesizer::Waveform waveform = ToneSynthesizer::Square;
+  std::uint64_t frames = 0;  // length, of 44100 a second
+  std::string output;        // file to write
+};
+
 // Help or version: text to print.
 struct PrintText {
   std::string text;
 };
 
-using Command = std::variant<ListenOptions, FrequenciesOptions, PrintText>;
+using Command = std::variant<ListenOptions, FrequenciesOptions, ToneOptions, PrintText>;
 
 // Throws CliError with exit code 2 when the arguments make no command.
 [[nodiscard]] Command parseCommandLine(int argc, const char* const* argv);

@@ -11,6 +11,7 @@
 #include "cli/FrequenciesCommand.h"
 #include "cli/ListenCommand.h"
 #include "cli/Output.h"
+#include "cli/ToneCommand.h"
 
 namespace {
 
@@ -23,6 +24,7 @@ struct Run {
   int operator()(const FrequenciesOptions& options) const {
     return runFrequencies(options, output);
   }
+  int operator()(const ToneOptions& options) const { return runTone(options); }
   int operator()(const PrintText& help) const {
     output.write(help.text);
     output.flush();
