@@ -51,13 +51,15 @@ std::unique_ptr<QQuickItem> LayoutWindow::load(const std::string& name) {
   const QUrl url(setup_.folder + QString::fromStdString(name) + ".qml");
   QQmlComponent component(&engine_, url, QQmlComponent::PreferSynchronous);
   const QVariantMap insets{{"top", setup_.model.safeTop}, {"bottom", setup_.model.safeBottom}};
-  std::unique_ptr<QObject> object(
-      component.createWithInitialProperties({{"width", setup_.model.width},
-                                             {"height", setup_.model.height},
-                                             {"safeInsets", insets},
-                                             {"texts", setup_.texts},
-                                             {"version", setup_.version},
-                                             {"reducedMotion", reducedMotion_}}));
+  std::unique_ptr<QObject> object;
+  if (component.isReady()) {  // to make an object of a faulty one ends the process
+    object.reset(component.createWithInitialProperties({{"width", setup_.model.width},
+                                                        {"height", setup_.model.height},
+                                                        {"safeInsets", insets},
+                                                        {"texts", setup_.texts},
+                                                        {"version", setup_.version},
+                                                        {"reducedMotion", reducedMotion_}}));
+  }
   for (const QQmlError& error : component.errors()) log_.line(error.toString().toStdString());
   if (auto* item = qobject_cast<QQuickItem*>(object.get())) {
     object.release();

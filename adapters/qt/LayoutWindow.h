@@ -33,9 +33,9 @@ class LayoutWindow final : public Screen {
   struct Setup {
     DeviceModel model;
     Presentation presentation = Presentation::Window;
-    QVariantMap texts;
-    QString version;                                          // of the application, for people
-    QString openPanel;                                        // at start
+    QVariantMap texts = {};
+    QString version = {};                                     // of the application, for people
+    QString openPanel = {};                                   // at start
     QString folder = QStringLiteral("qrc:/endpin/layouts/");  // URL, with a slash at the end
   };
 

@@ -47,7 +47,7 @@ class LayoutsTest : public ::testing::TestWithParam<Row> {
   }
   ~LayoutsTest() override { LumoListener::releaseSharedListener(); }
 
-  static void settle() { QTest::qWait(30); }
+  static void settle() { QTest::qWait(5); }
 
   // The first item of that name or, without one, with that action or panel.
   static QQuickItem* find(QQuickItem& item, const QString& wanted) {
@@ -157,7 +157,7 @@ TEST_P(LayoutsTest, TheTuningForkPlaysWhileItIsOpen) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Devices, LayoutsTest, ::testing::ValuesIn(kRows),
-                         [](const auto& info) { return std::string(info.param.layout); });
+                         [](const auto& row) { return std::string(row.param.layout); });
 
 TEST(LayoutWindow, KeepsTheLayoutsProportionsInTheMiddle) {
   fakes::FakePlatform fake;

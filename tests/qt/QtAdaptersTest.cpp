@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <QTest>
+#include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <set>
 #include <thread>
 
@@ -19,22 +21,26 @@ double since(Clock::time_point begin) {
 }
 
 TEST(QtRunLoop, TimersKeepTheirPhaseAndSkipWhatTheyMissed) {
+  constexpr double kInterval = 0.05;
   QtRunLoop loop;
   const auto begin = Clock::now();
   std::vector<double> fired;
-  loop.scheduleTimer(0.05, [&] {
+  loop.scheduleTimer(kInterval, [&] {
     fired.push_back(since(begin));
-    if (fired.size() == 2) std::this_thread::sleep_for(std::chrono::milliseconds(130));
+    // The calls due at 0.15 and 0.20 come late, at 0.235.
+    if (fired.size() == 2) std::this_thread::sleep_until(begin + std::chrono::milliseconds(235));
   });
-  QTest::qWait(420);
-  // Due at 0.05, 0.10, then late for 0.15 and 0.20: one late call, and 0.25 again on time.
+  QTest::qWait(600);
   ASSERT_GE(fired.size(), 5U);
-  EXPECT_LE(fired.size(), 7U);
-  for (std::size_t i = 0; i < fired.size(); ++i) {
-    const double phase = fired[i] - 0.05 * std::floor(fired[i] / 0.05);
-    if (i != 2) EXPECT_LT(phase, 0.03) << "call " << i << " at " << fired[i];
+  double smallestLateness = kInterval;
+  for (std::size_t i = 1; i < fired.size(); ++i) {
+    const double period = std::floor(fired[i] / kInterval);
+    EXPECT_GT(period, std::floor(fired[i - 1] / kInterval)) << "two calls for one time";
+    const double lateness = fired[i] - period * kInterval;
+    if (i > 2) smallestLateness = std::min(smallestLateness, lateness);
   }
-  EXPECT_GE(fired[2], 0.229);
+  // A busy machine adds lateness here and there; a lost phase would add it everywhere.
+  EXPECT_LT(smallestLateness, 0.02);
 }
 
 TEST(QtRunLoop, CallsComeInTheOrderOfTheirDueTimes) {
