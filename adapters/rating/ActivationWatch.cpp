@@ -4,17 +4,14 @@
 #include <utility>
 
 namespace endpin {
-namespace {
 
-bool isActive() {
-  return QGuiApplication::applicationState() == Qt::ApplicationActive;
-}
-
-}  // namespace
-
-ActivationWatch::ActivationWatch() : active_(isActive()) {
+ActivationWatch::ActivationWatch()
+    : active_(QGuiApplication::applicationState() == Qt::ApplicationActive) {
   QObject::connect(qGuiApp, &QGuiApplication::applicationStateChanged, &connection_,
-                   [this] { look(); });
+                   [this](Qt::ApplicationState state) {
+                     const bool wasActive = std::exchange(active_, state == Qt::ApplicationActive);
+                     if (wasActive && !active_) tellAll();
+                   });
 }
 
 ApplicationNotifications::ObserverId ActivationWatch::addWillResignActiveObserver(
@@ -27,11 +24,6 @@ ApplicationNotifications::ObserverId ActivationWatch::addWillResignActiveObserve
 void ActivationWatch::removeObserver(ObserverId observer) {
   const std::lock_guard lock(mutex_);
   observers_.erase(observer);
-}
-
-void ActivationWatch::look() {
-  const bool wasActive = std::exchange(active_, isActive());
-  if (wasActive && !active_) tellAll();
 }
 
 // An observer may remove itself or others, which then are not called.

@@ -23,7 +23,6 @@ class ActivationWatch final : public ApplicationNotifications {
   void removeObserver(ObserverId observer) override;
 
  private:
-  void look();
   void tellAll();
   std::function<void()> firstFrom(ObserverId& observer);
 
