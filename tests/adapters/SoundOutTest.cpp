@@ -1,0 +1,328 @@
+// Tone and beep through a real sound server of the test's own, heard from its speaker; and what
+// becomes of them when that server dies or hangs.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include "adapters/cubeb/CubebOutput.h"
+#include "adapters/cubeb/CubebPlayers.h"
+#include "calibration/ToneSynthesizer.h"
+#include "tests/fakes/AllocationCounter.h"
+#include "tests/support/HarmonicFit.h"
+#include "tests/support/PrivateSoundServer.h"
+
+namespace endpin::testing {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+constexpr AudioStreamFormat kFormat = {44100.0,
+                                       kAudioFormatLinearPCM,
+                                       kAudioFormatFlagIsSignedInteger | kAudioFormatFlagIsPacked,
+                                       4,
+                                       1,
+                                       4,
+                                       2,
+                                       16,
+                                       0};
+
+double secondsSince(Clock::time_point start) {
+  return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+// How often it was asked for samples, and the tone of the A string at once.
+struct Tone {
+  Tone() {
+    synthesizer.toneFrequency = 220.0F;
+    synthesizer.curTone = ToneSynthesizer::Square;
+  }
+  static std::int32_t render(void* tone, std::uint32_t frames,
+                             std::span<AudioOutputBuffer> buffers) {
+    auto* self = static_cast<Tone*>(tone);
+    ++self->calls;
+    return ToneSynthesizer::renderTone(&self->synthesizer, frames, buffers);
+  }
+
+  ToneSynthesizer synthesizer;
+  std::atomic<int> calls = 0;
+};
+
+std::unique_ptr<AudioOutputUnit> unitFor(Tone& tone) {
+  auto unit = CubebOutput().newOutputUnit();
+  EXPECT_EQ(unit->setStreamFormat(kFormat), 0);
+  EXPECT_EQ(unit->setRenderCallback(Tone::render, &tone), 0);
+  EXPECT_EQ(unit->initialize(), 0);
+  return unit;
+}
+
+std::unique_ptr<AudioPlayer> beep() {
+  return CubebPlayers().playerWithContentsOf(ENDPIN_BEEP);
+}
+
+// A stretch of sound, in seconds from the beginning of the recording.
+struct Stretch {
+  double from;
+  double to;
+};
+
+// Stretches with silence of a tenth of a second between them.
+std::vector<Stretch> stretches(const Sound& sound) {
+  std::vector<Stretch> all;
+  for (std::size_t i = 0; i < sound.samples.size(); ++i) {
+    if (sound.samples[i] == 0.0F) continue;
+    const double at = static_cast<double>(i) / sound.rate;
+    if (all.empty() || at - all.back().to > 0.1) all.push_back({at, at});
+    all.back().to = at;
+  }
+  return all;
+}
+
+double peak(const Sound& sound) {
+  float most = 0;
+  for (const float sample : sound.samples) most = std::max(most, std::abs(sample));
+  return static_cast<double>(most);
+}
+
+// What the speaker plays from now on.
+class Recording {
+ public:
+  explicit Recording(const PrivateSoundServer& server, const char* device = "speaker.monitor")
+      : child_(server.record(device)) {
+    EXPECT_TRUE(waitFor([](const Sound& sound) { return !sound.samples.empty(); }, 5s));
+  }
+
+  Sound sound() const { return PrivateSoundServer::recorded(child_); }
+  bool hears(std::chrono::milliseconds limit) {
+    return waitFor([](const Sound& sound) { return peak(sound) > 0.0; }, limit);
+  }
+  // The next stretch of that many seconds.
+  Sound next(double seconds) {
+    const double from = sound().seconds();
+    EXPECT_TRUE(waitFor([&](const Sound& s) { return s.seconds() >= from + seconds; }, 10s));
+    return slice(sound(), from, from + seconds);
+  }
+
+ private:
+  template <typename Condition>
+  bool waitFor(Condition holds, std::chrono::milliseconds limit) const {
+    const auto deadline = Clock::now() + limit;
+    while (!holds(sound()) && Clock::now() < deadline) std::this_thread::sleep_for(5ms);
+    return holds(sound());
+  }
+
+  ChildProcess child_;
+};
+
+class SoundOut : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (!server_.start()) GTEST_SKIP() << server_.reason();
+    for (const auto& [name, value] : server_.environment()) setenv(name.c_str(), value.c_str(), 1);
+  }
+
+  // Runs a duty of the main thread, which may never wait for the server.
+  template <typename Duty>
+  static void expectPrompt(const char* what, Duty duty) {
+    const auto start = Clock::now();
+    duty();
+    EXPECT_LT(secondsSince(start), 1.5) << what;
+  }
+
+  PrivateSoundServer server_;
+};
+
+TEST_F(SoundOut, ToneSoundsAtItsPitchAndLevelUntilItIsStopped) {
+  Tone tone;
+  const auto unit = unitFor(tone);
+  Recording recording(server_);
+  unit->start();
+  unit->start();
+  ASSERT_TRUE(recording.hears(3s));
+  const Sound heard = recording.next(3.0);
+  const double frequency = fundamentalOf(heard, 220.0);
+  std::printf("  heard %.4f Hz, rms %.4f\n", frequency, rms(heard));
+  EXPECT_NEAR(frequency, 220.0, 0.05);
+  // Half a sine of 1 and half a square of 1, times the gain.
+  const double power = (0.5 + 1.0 + 4.0 / 3.14159265) / 4.0;
+  EXPECT_NEAR(rms(heard), std::sqrt(power) * 29725 / 32768, 0.01);
+
+  unit->stop();
+  std::this_thread::sleep_for(500ms);
+  const int calls = tone.calls;
+  EXPECT_EQ(peak(recording.next(0.5)), 0.0) << "it sounds on";
+  EXPECT_EQ(tone.calls, calls);
+  unit->start();
+  EXPECT_GT(peak(recording.next(1.0)), 0.5) << "it does not start again";
+}
+
+TEST_F(SoundOut, SoundingAllocatesNothing) {
+  writeWav(server_.folder().file("long.wav"), harmonics(22050.0, 3.0, 440.0, {0.5}));
+  const auto player = CubebPlayers().playerWithContentsOf(server_.folder().file("long.wav"));
+  ASSERT_TRUE(player);
+  Tone tone;
+  const auto unit = unitFor(tone);
+  unit->start();
+  player->play();
+  std::this_thread::sleep_for(1s);
+  const int calls = tone.calls;
+  const std::size_t allocations = fakes::allocationCount();
+  std::this_thread::sleep_for(1s);
+  EXPECT_EQ(fakes::allocationCount(), allocations);
+  EXPECT_GT(tone.calls, calls + 10);
+}
+
+TEST_F(SoundOut, ToneGoesOnWhenTheServerIsBack) {
+  Tone tone;
+  const auto unit = unitFor(tone);
+  unit->start();
+  ASSERT_TRUE(Recording(server_).hears(3s));
+  server_.kill();
+  std::this_thread::sleep_for(1s);
+  const auto back = Clock::now();
+  ASSERT_TRUE(server_.start()) << server_.reason();
+  Recording recording(server_);
+  EXPECT_TRUE(recording.hears(5s));
+  std::printf("  sounds again %.2f s after the server was started\n", secondsSince(back));
+  EXPECT_LT(secondsSince(back), 2.0);
+  EXPECT_NEAR(fundamentalOf(recording.next(1.5), 220.0), 220.0, 0.05);
+}
+
+TEST_F(SoundOut, ToneFollowsTheDefaultDevice) {
+  Tone tone;
+  const auto unit = unitFor(tone);
+  unit->start();
+  ASSERT_TRUE(Recording(server_).hears(3s));
+  const auto control = [this](const Command& words) {
+    return runToEnd(words, 5s, server_.environment()).exitCode == 0;
+  };
+  ASSERT_TRUE(control({"pactl", "load-module", "module-null-sink", "sink_name=headphones"}));
+  Recording headphones(server_, "headphones.monitor");
+  EXPECT_EQ(peak(headphones.next(0.2)), 0.0);
+  ASSERT_TRUE(control({"pactl", "set-default-sink", "headphones"}));
+  EXPECT_TRUE(headphones.hears(2s));
+  ASSERT_TRUE(control({"pactl", "unload-module", "module-null-sink"})) << "every speaker goes";
+  ASSERT_TRUE(control({"pactl", "load-module", "module-null-sink", "sink_name=speaker"}));
+  EXPECT_TRUE(Recording(server_).hears(3s)) << "a speaker that came later";
+}
+
+TEST_F(SoundOut, NobodyWaitsForAServerThatHangs) {
+  for (const bool sounding : {true, false}) {
+    SCOPED_TRACE(sounding ? "sounding" : "not begun");
+    Tone tone;
+    auto unit = unitFor(tone);
+    auto player = beep();
+    ASSERT_TRUE(player);
+    if (sounding) {
+      unit->start();
+      ASSERT_TRUE(Recording(server_).hears(3s));
+    }
+    server_.freeze();
+    expectPrompt("play", [&] { player->play(); });
+    expectPrompt("start and stop", [&] {
+      unit->start();
+      unit->stop();
+      unit->start();
+    });
+    std::this_thread::sleep_for(300ms);
+    expectPrompt("end of the unit", [&] { unit.reset(); });
+    const int calls = tone.calls;
+    expectPrompt("end of the player", [&] { player.reset(); });
+    server_.thaw();
+    std::this_thread::sleep_for(1s);
+    EXPECT_EQ(tone.calls, calls) << "rendered after its end";
+    EXPECT_EQ(peak(Recording(server_).next(0.5)), 0.0) << "something sounds on";
+  }
+}
+
+TEST_F(SoundOut, BeepSoundsOnceEachTimeAndWhole) {
+  const Sound file = readSoundFile(ENDPIN_BEEP);
+  const double length = withoutSilentEnds(file).seconds();
+  const auto player = beep();
+  ASSERT_TRUE(player);
+  Recording recording(server_);
+  for (int time = 0; time < 3; ++time) {
+    for (int again = 0; again < 3; ++again) player->play();
+    std::this_thread::sleep_for(1s);
+  }
+  const auto heard = stretches(recording.sound());
+  ASSERT_EQ(heard.size(), 3U);
+  for (const Stretch& one : heard) EXPECT_NEAR(one.to - one.from, length, 0.03);
+  EXPECT_NEAR(peak(recording.sound()), peak(file), 0.05 * peak(file));
+}
+
+TEST_F(SoundOut, BeepIsPrompt) {
+  const auto player = beep();
+  ASSERT_TRUE(player);
+  for (const char* which : {"first", "second"}) {
+    Recording recording(server_);
+    const auto start = Clock::now();
+    player->play();
+    EXPECT_TRUE(recording.hears(2s));
+    std::printf("  %s beep heard after %.0f ms\n", which, 1000 * secondsSince(start));
+    EXPECT_LT(secondsSince(start), 0.3);
+    std::this_thread::sleep_for(500ms);
+  }
+}
+
+TEST_F(SoundOut, BeepThatComesTooLateIsDropped) {
+  const auto player = beep();
+  ASSERT_TRUE(player);
+  server_.kill();
+  player->play();
+  std::this_thread::sleep_for(300ms);
+  ASSERT_TRUE(server_.start()) << server_.reason();
+  {
+    Recording recording(server_);
+    EXPECT_EQ(peak(recording.next(1.5)), 0.0) << "asked for before the server came";
+    server_.freeze();
+    player->play();
+    std::this_thread::sleep_for(1s);
+    server_.thaw();
+    EXPECT_EQ(peak(recording.next(1.5)), 0.0) << "asked for while the server hung";
+    player->play();
+    EXPECT_TRUE(recording.hears(2s)) << "the next one";
+  }
+}
+
+TEST(SoundOutWithoutServer, WhatCannotBePlayedGivesNoPlayer) {
+  const TempDirectory folder;
+  std::ofstream(folder.file("text.mp3")) << "This is no sound.\n";
+  for (const std::string& path :
+       {folder.file("missing.mp3"), folder.path().string(), folder.file("text.mp3")}) {
+    EXPECT_EQ(CubebPlayers().playerWithContentsOf(path), nullptr) << path;
+  }
+}
+
+TEST(SoundOutWithoutServer, UnitRefusesWhatItCannotDo) {
+  Tone tone;
+  const auto unit = CubebOutput().newOutputUnit();
+  EXPECT_NE(unit->initialize(), 0) << "without a format";
+  EXPECT_NE(unit->start(), 0);
+  EXPECT_NE(unit->stop(), 0);
+  for (const auto change : {+[](AudioStreamFormat& f) { f.mChannelsPerFrame = 1; },
+                            +[](AudioStreamFormat& f) { f.mBitsPerChannel = 32; },
+                            +[](AudioStreamFormat& f) { f.mSampleRate = 7019.5; },
+                            +[](AudioStreamFormat& f) { f.mFormatID = 0; }}) {
+    AudioStreamFormat format = kFormat;
+    change(format);
+    EXPECT_NE(unit->setStreamFormat(format), 0);
+  }
+  EXPECT_EQ(unit->setStreamFormat(kFormat), 0);
+  EXPECT_NE(unit->initialize(), 0) << "without a callback";
+  EXPECT_EQ(unit->setRenderCallback(Tone::render, &tone), 0);
+  EXPECT_EQ(unit->initialize(), 0);
+  EXPECT_NE(unit->setRenderCallback(Tone::render, &tone), 0) << "too late";
+}
+
+}  // namespace
+}  // namespace endpin::testing
