@@ -68,6 +68,9 @@ std::unique_ptr<QGuiApplication> startGui(char** arguments, const Options& optio
   if (!options.screenshot.empty() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
   }
+  // Layouts are compiled anew at each start, some 20 ms: a cache in the user's folder would be
+  // slower at the first start, and could be that of another version at the next.
+  qputenv("QML_DISABLE_DISK_CACHE", "1");
   QCoreApplication::setApplicationName(QStringLiteral("endpin"));
   QGuiApplication::setApplicationDisplayName(QStringLiteral("Endpin"));
   QGuiApplication::setDesktopFileName(QStringLiteral("io.endpin.Endpin"));
