@@ -16,7 +16,7 @@ class CountingPlayers : public AudioPlayers {
   // `audible`, if there are any, outlive this. Without them nothing is heard.
   explicit CountingPlayers(AudioPlayers* audible = nullptr) : audible_(audible) {}
 
-  // The player outlives this no more than its last play.
+  // The players must not be used after this has gone.
   std::unique_ptr<AudioPlayer> playerWithContentsOf(const std::string& path) override {
     return std::make_unique<Player>(plays_,
                                     audible_ ? audible_->playerWithContentsOf(path) : nullptr);

@@ -30,12 +30,10 @@ class FileFeed : public std::enable_shared_from_this<FileFeed> {
     captureUntil(static_cast<std::uint64_t>((runLoop_.now() - *begin_) * kCaptureRate));
   }
 
-  // From here on nothing is awaited until the next begin().
-  void end() { ++round_; }
-
  private:
-  // The call finds its block by its number: the due time, divided and multiplied back, may fall one
-  // sample short of it.
+  // Goes on while the queue is stopped: the microphone hears, and nobody listens. The call finds
+  // its block by its number: the due time, divided and multiplied back, may fall one sample short
+  // of it.
   void awaitBlock() {
     const std::uint64_t blockEnd = captured_ + queue_.missingSamples();
     const double due = *begin_ + static_cast<double>(blockEnd) / kCaptureRate;
@@ -85,7 +83,6 @@ class FileInputQueue : public CaptureQueue {
 
   AudioStatus stop(bool immediate) override {
     feed_->catchUp();
-    if (immediate) feed_->end();
     return CaptureQueue::stop(immediate);
   }
 

@@ -81,9 +81,9 @@ struct FileMicrophoneTest : ::testing::Test {
 };
 
 TEST_F(FileMicrophoneTest, BlocksComeWholeInOrderAndOnTime) {
-  open(5 * 4096 + 4095);
-  loop.runUntil(10);
-  ASSERT_EQ(blocks.size(), 5U);  // the last, partial one never comes
+  open(16 * 4096 + 4095);
+  loop.runUntil(20);
+  ASSERT_EQ(blocks.size(), 16U);  // the last, partial one never comes
   for (std::size_t k = 0; k < blocks.size(); ++k) {
     EXPECT_EQ(blocks[k].time, static_cast<double>((k + 1) * 4096) / 7019.5);
     const auto first = samples.begin() + static_cast<std::ptrdiff_t>(k * 4096);
@@ -117,6 +117,14 @@ TEST_F(FileMicrophoneTest, ResampledBlocksComeOnTimeToo) {
   }
   EXPECT_FALSE(sound->lastsFor(31));
   EXPECT_FALSE(sound->truncated());
+}
+
+TEST_F(FileMicrophoneTest, ASoundIsCapturedToItsLastSample) {
+  testing::writeWav(folder.file("tone.wav"), testing::bowedTone(44100, 2.0, 220, 0.1));
+  CapturedSound whole(SoundFile(folder.file("tone.wav")));
+  samples.resize(20000);
+  ASSERT_EQ(whole.take(samples), 14039U);
+  EXPECT_EQ(whole.take(samples), 0U);
 }
 
 TEST_F(FileMicrophoneTest, TimePassesWhileItIsStopped) {

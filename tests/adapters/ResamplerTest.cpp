@@ -18,10 +18,10 @@ std::vector<std::int16_t> resampled(double rate, const std::vector<std::int16_t>
                                     std::size_t chunk) {
   CaptureResampler resampler(rate);
   std::vector<std::int16_t> output;
-  resampler.process({}, output);  // nothing is not the end
   for (std::size_t i = 0; i < input.size(); i += chunk) {
     const std::size_t size = std::min(chunk, input.size() - i);
     resampler.process(std::span(input).subspan(i, size), output);
+    resampler.process({}, output);  // nothing is not the end
   }
   resampler.flush(output);
   return output;
