@@ -53,30 +53,30 @@ struct FakeStore final : SettingsStore {
   }
 };
 
-// What can be presented; the screen keeps it while it is.
+// What can present and be presented.
 struct Shown {
   std::atomic<bool> onScreen = false;
   bool animated = false;
-  std::function<void()> leave;
 };
 
 template <class Base>
 struct Fake : Base, Shown {
   using Completion = ScreenController::Completion;
-  ScreenController* presentedViewController() const override { return presented.get(); }
+  ScreenController* presentedViewController() const override {
+    const auto* shown = dynamic_cast<const Shown*>(presented.get());
+    return shown && shown->onScreen ? presented.get() : nullptr;
+  }
   void presentViewController(std::shared_ptr<ScreenController> controller, bool withAnimation,
                              Completion completion) override {
     auto& shown = dynamic_cast<Shown&>(*controller);
     shown.onScreen = true;
     shown.animated = withAnimation;
-    shown.leave = [this] { presented.reset(); };
     presented = std::move(controller);
     if (completion) completion();
   }
   void dismissViewController(bool withAnimation, Completion completion) override {
     onScreen = false;
     animated = withAnimation;
-    if (auto leaving = std::exchange(leave, {})) leaving();
     if (completion) completion();
   }
   std::shared_ptr<ScreenController> presented;

@@ -38,30 +38,24 @@ struct RatingAlert : testing::Test {
 };
 
 TEST_F(RatingAlert, ButtonsInOrderAndWhatTheyDo) {
+  const char* const rate = "Rate Endpin";
+  const char* const later = "Remind me later";
+  const char* const no = "No, Thanks";
   const struct {
     int way;
-    bool later;
     Strings buttons, answers;
     std::vector<int> styles;  // 1: the cancel button
   } rows[] = {
-      {World::kModern,
-       true,
-       {"Rate Endpin", "Remind me later", "No, Thanks"},
-       {"rated", "reminder", "declined"},
-       {0, 0, 1}},
-      {World::kModern, false, {"Rate Endpin", "No, Thanks"}, {"rated", "declined"}, {0, 1}},
-      {World::kLegacy,
-       true,
-       {"No, Thanks", "Rate Endpin", "Remind me later"},
-       {"declined", "rated", "reminder"},
-       {}},
-      {World::kLegacy, false, {"No, Thanks", "Rate Endpin"}, {"declined", "rated"}, {}},
+      {World::kModern, {rate, later, no}, {"rated", "reminder", "declined"}, {0, 0, 1}},
+      {World::kModern, {rate, no}, {"rated", "declined"}, {0, 1}},
+      {World::kLegacy, {no, rate, later}, {"declined", "rated", "reminder"}, {}},
+      {World::kLegacy, {no, rate}, {"declined", "rated"}, {}},
   };
   for (const auto& row : rows) {
     for (std::size_t pressed = 0; pressed < row.buttons.size(); ++pressed) {
       SCOPED_TRACE(row.answers[pressed]);
       use(row.way);
-      RatingPrompt::forceShowPrompt(row.later);
+      RatingPrompt::forceShowPrompt(row.buttons.size() == 3);
       EXPECT_TRUE(world.prompt().isRatingAlertVisible());
       Buttons& alert =
           row.way == World::kModern ? static_cast<Buttons&>(*world.alert) : *world.legacy;
@@ -77,7 +71,7 @@ TEST_F(RatingAlert, ButtonsInOrderAndWhatTheyDo) {
   }
 }
 
-TEST_F(RatingAlert, PrefersTheReviewRequest) {
+TEST_F(RatingAlert, ReviewRequestFirstDelegateMayForbidDeclinedMayBeForced) {
   use(World::kReview | World::kModern | World::kLegacy | World::kSheet);
   RatingPrompt::tryToShowPrompt();
   RatingPrompt::tryToShowPrompt();
@@ -85,9 +79,7 @@ TEST_F(RatingAlert, PrefersTheReviewRequest) {
   EXPECT_EQ(noted(), "rated");
   EXPECT_EQ(messages, Strings{"shown"});
   EXPECT_TRUE(!world.alert && !world.legacy && world.urls.empty());
-}
 
-TEST_F(RatingAlert, DelegateMayForbidAndDeclinedMayBeForced) {
   use(World::kModern);
   delegate->ratingPromptShouldDisplayAlert = [](RatingPrompt&) { return false; };
   RatingPrompt::forceShowPrompt(true);
@@ -125,9 +117,8 @@ TEST_F(RatingAlert, StorePageBySystemVersion) {
                                kStoreHost + reviews +
                                    "id=4711&onlyLatestVersion=true&pageNumber=0&sortOrdering=1"
                                    "&type=Purple+Software"};
-  const std::pair<const char*, int> rows[] = {{"6.1", 0}, {"6.9.9", 0}, {"", 0},
-                                              {"7.0", 1}, {"7.1", 1},   {"7.9.4", 1},
-                                              {"8.0", 2}, {"9.0", 2},   {"12", 2}};
+  const std::pair<const char*, int> rows[] = {{"", 0},    {"6.9.9", 0}, {"7.0", 1},
+                                              {"7.9", 1}, {"8.0", 2},   {"12", 2}};
   for (const auto& [version, page] : rows) {
     world.version = version;
     world.name(World::kModern | World::kSheet);

@@ -151,8 +151,8 @@ TEST_F(RatingConditions, LaunchAndForegroundCountBesideTheMainThread) {
 }
 
 TEST_F(RatingConditions, TriesGrowWithTheRuns) {
-  const std::pair<double, int> rows[] = {{0, 0}, {2, 0}, {3, 1}, {4, 1}, {5, 2},
-                                         {6, 2}, {7, 3}, {8, 3}, {9, 4}, {99, 4}};
+  const std::pair<double, int> rows[] = {{2, 0}, {3, 1}, {4, 1}, {5, 2}, {6, 2},
+                                         {7, 3}, {8, 3}, {9, 4}, {99, 4}};
   for (const auto& [runs, tries] : rows) {
     world.use(FakeRatingPlatform::kReview);
     world.store.values = {{"numberOfRuns", runs}};

@@ -1,34 +1,12 @@
 // Launch, return to the foreground, prompts, answers and a second writer of the store, all at once
-// on real threads; the thread sanitizer looks on.
+// on the threads of a desktop; the thread sanitizer looks on.
 #include <chrono>
-#include <future>
 
+#include "adapters/rating/ThreadQueues.h"
 #include "tests/rating/FakeRatingPlatform.h"
 
 namespace endpin::fakes {
 namespace {
-
-// Each operation on a thread of its own, after the one before.
-struct ThreadQueue final : OperationQueue {
-  void setMaxConcurrentOperationCount(int) override {}
-  void addOperation(Call operation) override {
-    last = std::async(std::launch::async, [before = last, operation] {
-             if (before.valid()) before.wait();
-             operation();
-           }).share();
-  }
-  std::shared_future<void> last;
-};
-
-struct ThreadQueues final : WorkQueues {
-  void dispatchAsync(int, Call call) override {
-    running.push_back(std::async(std::launch::async, call));
-  }
-  std::unique_ptr<OperationQueue> newOperationQueue() override {
-    return std::make_unique<ThreadQueue>();
-  }
-  std::vector<std::future<void>> running;
-};
 
 TEST(RatingThreads, LaunchForegroundAndPromptsAtOnce) {
   constexpr std::int64_t kRounds = 300;
