@@ -95,29 +95,29 @@ TEST_F(SampledCello, NoiseTwentyDecibelsBelowChangesNothing) {
   }
 }
 
+// One file of each kind, each with a string of its own: the strings have been through already.
 TEST_F(SampledCello, EveryKindOfFileIsJudgedAlike) {
   const struct {
     const char* name;
+    int string;
     double rate;
     int format;
     int channels;
-  } rows[] = {{"note44.wav", 44100.0, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 2},
-              {"note8.wav", 8000.0, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 1},
-              {"note96.flac", 96000.0, SF_FORMAT_FLAC | SF_FORMAT_PCM_24, 1},
-              {"note22.ogg", 22050.0, SF_FORMAT_OGG | SF_FORMAT_VORBIS, 2},
-              {"note48.mp3", 48000.0, SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III, 2}};
-  for (int string = 0; string < 4; ++string) {
-    const Sound sound = sampledCello(noteOf(string));
-    for (const auto& row : rows) {
-      SCOPED_TRACE(std::string(kCelloStrings[string].note) + " as " + row.name);
-      writeSoundFile(folder_.file(row.name), resampled(sound, row.rate), row.format, row.channels);
-      const Ticks ticks = listenTo(folder_.file(row.name));
-      expectJudged(ticks, string);
-      EXPECT_GE(shareInTune(ticks, string), kLeastShareOfFile[string]);
-    }
-    writeRawS16(folder_.file("note.s16"), resampled(sound, 7019.5));
-    expectJudged(listenTo(folder_.file("note.s16")), string);
+  } rows[] = {{"note44.wav", 0, 44100.0, SF_FORMAT_WAV | SF_FORMAT_PCM_16, 2},
+              {"note8.wav", 1, 8000.0, SF_FORMAT_WAV | SF_FORMAT_FLOAT, 1},
+              {"note96.flac", 2, 96000.0, SF_FORMAT_FLAC | SF_FORMAT_PCM_24, 1},
+              {"note22.ogg", 3, 22050.0, SF_FORMAT_OGG | SF_FORMAT_VORBIS, 2},
+              {"note48.mp3", 1, 48000.0, SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III, 2}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    const Sound sound = resampled(sampledCello(noteOf(row.string)), row.rate);
+    writeSoundFile(folder_.file(row.name), sound, row.format, row.channels);
+    const Ticks ticks = listenTo(folder_.file(row.name));
+    expectJudged(ticks, row.string);
+    EXPECT_GE(shareInTune(ticks, row.string), kLeastShareOfFile[row.string]);
   }
+  writeRawS16(folder_.file("note.s16"), resampled(sampledCello(noteOf(0)), 7019.5));
+  expectJudged(listenTo(folder_.file("note.s16")), 0);
 }
 
 // The clock of a file: ten ticks a second of it, each block when its last sample has been heard,
