@@ -4,19 +4,16 @@
 #include "adapters/bundle/FileBundle.h"
 #include "adapters/log/NullLog.h"
 #include "adapters/log/StreamLog.h"
-#include "adapters/qt/ForegroundWatch.h"
-#include "adapters/qt/MotionPreference.h"
 #include "adapters/qt/QtDevice.h"
 #include "adapters/qt/QtRunLoop.h"
 #include "adapters/qt/QuitSignals.h"
 #include "adapters/sqlite/SqliteStore.h"
-#include "app/AppDelegate.h"
 #include "app/ViewController.h"
 #include "audio/LumoListener.h"
 #include "desktop/GuiStart.h"
 #include "desktop/Language.h"
+#include "desktop/Life.h"
 #include "desktop/Options.h"
-#include "desktop/Rating.h"
 #include "desktop/Sound.h"
 #include "desktop/StartError.h"
 #include "ports/Platform.h"
@@ -46,12 +43,8 @@ int run(const Options& options, char** arguments) {
 
   ViewController controller(platform);
   LayoutWindow window(setUpWindow(options, device.model(), bundle), controller, problems);
-  const MotionPreference motion([&](bool reduced) { window.setReducedMotion(reduced); });
-  const Rating rating(platform, window.window());
-  AppDelegate delegate({device, window, log});
-  delegate.applicationDidFinishLaunching();
-  if (!window.hasLayout()) throw StartError(kExitFailure, "the screen cannot be shown");
-  const ForegroundWatch watch(window.window(), [&] { delegate.applicationWillEnterForeground(); });
+  const Life life(platform, window);
+  logFirstFrame(window, log);
   planScreenshot(options, window, runLoop);
   const int exitCode = QGuiApplication::exec();
   LumoListener::releaseSharedListener();
