@@ -97,6 +97,13 @@ LayoutWindow::Setup setUpWindow(const Options& options, const DeviceModel& model
           .openPanel = QString::fromStdString(options.panel)};
 }
 
+void logFirstFrame(LayoutWindow& window, Log& log) {
+  QObject::connect(
+      &window.window(), &QQuickWindow::frameSwapped, &window.window(),
+      [&log] { log.line("First frame"); },
+      static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
+}
+
 void planScreenshot(const Options& options, LayoutWindow& window, RunLoop& runLoop) {
   if (options.screenshot.empty()) return;
   runLoop.performAfterDelay(options.after, [&window, path = options.screenshot] {

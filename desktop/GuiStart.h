@@ -25,6 +25,9 @@ namespace endpin {
 [[nodiscard]] LayoutWindow::Setup setUpWindow(const Options& options, const DeviceModel& model,
                                               const Bundle& bundle);
 
+// Says in `log` when the first frame is on the screen. Both outlive the event loop.
+void logFirstFrame(LayoutWindow& window, Log& log);
+
 // Saves the picture that was asked for when its time has come, and ends the event loop: with exit
 // code 1 and a line for the user when it cannot be saved. `window` outlives the event loop.
 void planScreenshot(const Options& options, LayoutWindow& window, RunLoop& runLoop);

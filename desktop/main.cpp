@@ -44,6 +44,7 @@ int run(const Options& options, char** arguments) {
   ViewController controller(platform);
   LayoutWindow window(setUpWindow(options, device.model(), bundle), controller, problems);
   const Life life(platform, window);
+  logFirstFrame(window, log);
   planScreenshot(options, window, runLoop);
   const int exitCode = QGuiApplication::exec();
   LumoListener::releaseSharedListener();
