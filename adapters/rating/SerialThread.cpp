@@ -21,11 +21,9 @@ SerialThread::SerialThread(ThreadPriority priority)
     : thread_([this, priority] { work(priority); }) {}
 
 SerialThread::~SerialThread() {
-  std::deque<Call> dropped;
   {
     const std::lock_guard lock(mutex_);
     ending_ = true;
-    dropped.swap(waiting_);
   }
   changed_.notify_one();
   thread_.join();

@@ -221,6 +221,7 @@ TEST_F(RatingScreen, ASecondAlertTakesThePlaceOfTheFirst) {
   };
   const auto first = present("first");
   QTest::qWait(1);
+  QTest::keyClick(&run.window.window(), Qt::Key_Tab);  // to a button that is about to go
   const auto second = present("second");
   EXPECT_FALSE(first->viewHasSuperview());
   first->dismissViewController(false, {});  // does not touch the second
