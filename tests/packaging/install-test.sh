@@ -3,7 +3,7 @@
 # recommends, into a Debian system that has nothing but apt; runs its programs there; removes it.
 # A package for arm64 is unpacked beside what it depends on instead, and its programs run in
 # emulation: the package manager of such a system would have to run itself.
-# Needs root, mmdebstrap, qemu-user-static for arm64, and Debian's packages. Leaves nothing behind.
+# Needs root, mmdebstrap, netpbm, qemu-user-static for arm64, and Debian's packages. Leaves nothing behind.
 set -euo pipefail
 deb=$(realpath "$1")
 build=$(realpath "$2")
@@ -24,6 +24,8 @@ else
   packages=(--variant=extract --include="$(depends)"
     --setup-hook='mkdir "$1/proc"'
     --extract-hook="dpkg-deb -x '$deb' \"\$1\""
+    # What the package of the font settings asks for when it is set up.
+    --extract-hook='ln -s /usr/share/fontconfig/conf.avail/10-hinting-slight.conf "$1/etc/fonts/conf.d/"'
     --extract-hook='cp /usr/bin/qemu-aarch64-static "$1/qemu"'
     --extract-hook="'$run' \"\$1\" '$build' /qemu")
 fi
