@@ -7,7 +7,9 @@
 namespace endpin {
 namespace {
 
-constexpr std::uint32_t kLatenciesPerSecond = 25;  // 40 ms, unless the device needs more
+// Milliseconds, unless the device needs more. Half of it crackles on a busy machine; more is heard
+// as a delay when the pitch changes.
+constexpr std::uint32_t kLatency = 80;
 
 }  // namespace
 
@@ -41,7 +43,7 @@ bool OutputStream::start(const Format& format) {
       .prefs = CUBEB_STREAM_PREF_NONE};
   std::uint32_t latency = 0;
   if (cubeb_get_min_latency(context_, &params, &latency) != CUBEB_OK) latency = 0;
-  latency = std::max(latency, format.rate / kLatenciesPerSecond);
+  latency = std::max(latency, format.rate * kLatency / 1000);
   return cubeb_stream_init(context_, &stream_, format.name, nullptr, nullptr, nullptr, &params,
                            latency, Callbacks::takeFrames, Callbacks::noteState,
                            this) == CUBEB_OK &&
