@@ -9,6 +9,7 @@
 #include "adapters/qt/LayoutWindow.h"
 #include "audio/LumoListener.h"
 #include "tests/fakes/FakePlatform.h"
+#include "tests/qt/FindItem.h"
 
 namespace endpin {
 namespace {
@@ -49,18 +50,8 @@ class LayoutsTest : public ::testing::TestWithParam<Row> {
 
   static void settle() { QTest::qWait(5); }
 
-  // The first item of that name or, without one, with that action or panel.
-  static QQuickItem* find(QQuickItem& item, const QString& wanted) {
-    for (const char* property : {"objectName", "action", "panel"}) {
-      if (item.property(property) == wanted && item.isVisible()) return &item;
-    }
-    for (QQuickItem* child : item.childItems()) {
-      if (QQuickItem* found = find(*child, wanted)) return found;
-    }
-    return nullptr;
-  }
   QQuickItem& item(const QString& wanted) {
-    QQuickItem* found = find(*window.root(), wanted);
+    QQuickItem* found = findItem(*window.root(), wanted);
     if (!found) throw std::runtime_error("nothing visible is called " + wanted.toStdString());
     return *found;
   }
