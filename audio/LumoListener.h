@@ -88,7 +88,6 @@ class LumoListener {
   }
   double* freq_db() { return estimator_.freq_db(); }
   double* freq_db_harmonic() { return estimator_.freq_db_harmonic(); }
-  PitchEstimator& estimator() { return estimator_; }
 
  private:
   explicit LumoListener(const Ports& platform) : ports_(platform) {}
