@@ -7,6 +7,7 @@
 #include <numbers>
 #include <random>
 #include <stdexcept>
+#include <utility>
 
 namespace endpin::testing {
 namespace {
@@ -84,21 +85,38 @@ Sound joined(Sound sound, const Sound& next) {
   return sound;
 }
 
-Sound withoutSilentEnds(const Sound& sound) {
-  const auto sounding = [](float sample) { return sample != 0.0F; };
-  const auto first = std::find_if(sound.samples.begin(), sound.samples.end(), sounding);
-  const auto last = std::find_if(sound.samples.rbegin(), sound.samples.rend(), sounding).base();
-  return first < last ? Sound{sound.rate, {first, last}} : Sound{sound.rate, {}};
+std::vector<Sound> partsBetweenSilences(const Sound& sound, double silence) {
+  const size_t shortest = sampleCount(sound.rate, silence);
+  std::vector<Sound> parts;
+  size_t zeros = 0;  // since the last sounding sample
+  for (const float sample : sound.samples) {
+    if (sample == 0.0F) {
+      ++zeros;
+      continue;
+    }
+    if (parts.empty() || zeros >= shortest) {
+      parts.push_back({sound.rate, {}});
+    } else {
+      parts.back().samples.insert(parts.back().samples.end(), zeros, 0.0F);
+    }
+    parts.back().samples.push_back(sample);
+    zeros = 0;
+  }
+  return parts;
 }
 
-double longestGap(const Sound& sound) {
-  size_t longest = 0;
-  size_t run = 0;
-  for (const float sample : sound.samples) {
-    run = sample == 0.0F ? run + 1 : 0;
-    longest = std::max(longest, run);
+Sound longestPart(const Sound& sound) {
+  Sound longest{sound.rate, {}};
+  for (Sound& part : partsBetweenSilences(sound)) {
+    if (part.samples.size() > longest.samples.size()) longest = std::move(part);
   }
-  return static_cast<double>(longest) / sound.rate;
+  return longest;
+}
+
+double soundingSeconds(const Sound& sound) {
+  double sum = 0.0;
+  for (const Sound& part : partsBetweenSilences(sound)) sum += part.seconds();
+  return sum;
 }
 
 Sound slice(const Sound& sound, double fromSeconds, double toSeconds) {

@@ -33,10 +33,13 @@ Sound scaledToRms(Sound sound, double level);
 // Both need equal rates; mixed() is as long as the longer one.
 Sound mixed(Sound sound, const Sound& other);
 Sound joined(Sound sound, const Sound& next);
-// The part from the first to the last sample that is not zero.
-Sound withoutSilentEnds(const Sound& sound);
-// The longest run of zeros in a sound, in seconds: in what a sound server passed on, a gap.
-double longestGap(const Sound& sound);
+// What lies between the silences of `silence` seconds or more, from first to last sounding sample.
+// A busy machine tears gaps into what its sound server passes on: a millisecond finds them.
+std::vector<Sound> partsBetweenSilences(const Sound& sound, double silence = 0.001);
+// Of those the longest; empty when nothing sounds.
+Sound longestPart(const Sound& sound);
+// Of all of them together.
+double soundingSeconds(const Sound& sound);
 Sound slice(const Sound& sound, double fromSeconds, double toSeconds);
 // The same sound at another rate, at the same pitch.
 Sound resampled(const Sound& sound, double rate);
