@@ -3,10 +3,8 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <charconv>
 
-#include "cli/CliError.h"
 #include "cli/ToneArguments.h"
 
 namespace endpin {
@@ -64,18 +62,6 @@ CLI::App* addTone(CLI::App& app, Arguments& into) {
   return tone;
 }
 
-std::string oneLine(std::string text) {
-  std::replace(text.begin(), text.end(), '\n', ' ');
-  return text;
-}
-
-void rejectEmpty(const CLI::App& command, const char* option) {
-  const CLI::Option* given = command.get_option(option);
-  if (given->count() > 0 && given->as<std::string>().empty()) {
-    throw CliError(kExitUsage, fmt::format("{} needs a name", option));
-  }
-}
-
 }  // namespace
 
 std::int64_t parseA4(const std::string& text) {
@@ -83,9 +69,8 @@ std::int64_t parseA4(const std::string& text) {
   const char* end = text.data() + text.size();
   const auto [rest, error] = std::from_chars(text.data(), end, a4);
   if (error != std::errc() || rest != end || a4 < kLowestA4 || a4 > kHighestA4) {
-    throw CliError(kExitUsage,
-                   oneLine(fmt::format("--a4 takes whole hertz from {} to {}, not \"{}\"",
-                                       kLowestA4, kHighestA4, text)));
+    rejectArguments(fmt::format("--a4 takes whole hertz from {} to {}, not \"{}\"", kLowestA4,
+                                kHighestA4, text));
   }
   return a4;
 }
@@ -98,29 +83,18 @@ Command parseCommandLine(int argc, const char* const* argv) {
   addListen(app, arguments);
   const CLI::App* frequencies = addFrequencies(app, arguments);
   const CLI::App* tone = addTone(app, arguments);
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::CallForHelp&) {
-    return PrintText{app.help()};
-  } catch (const CLI::CallForVersion& version) {
-    return PrintText{std::string(version.what()) + '\n'};
-  } catch (const CLI::ParseError& error) {
-    throw CliError(kExitUsage, oneLine(error.what()) + " (--help explains)");
-  }
+  if (const auto text = parseArguments(app, argc, argv)) return *text;
   const CLI::App& chosen = *app.get_subcommands().front();
+  rejectEmptyTexts(chosen);
   const bool a4Given = chosen.count("--a4") > 0;
   if (frequencies->parsed()) {
     if (a4Given) arguments.frequencies.a4 = parseA4(arguments.a4);
     return arguments.frequencies;
   }
   if (tone->parsed()) {
-    rejectEmpty(chosen, "--output");
     ToneOptions options = toneOptions(arguments.tone);
     if (a4Given) options.a4 = parseA4(arguments.a4);
     return options;
-  }
-  for (const char* option : {"--input", "--input-device", "--or-recording"}) {
-    rejectEmpty(chosen, option);
   }
   if (a4Given) arguments.listen.a4 = parseA4(arguments.a4);
   return arguments.listen;

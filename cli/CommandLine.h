@@ -7,6 +7,7 @@
 #include <string>
 #include <variant>
 
+#include "adapters/cli11/ParseArguments.h"
 #include "calibration/ToneSynthesizer.h"
 
 namespace endpin {
@@ -36,17 +37,12 @@ struct ToneOptions {
   std::string output;        // file to write
 };
 
-// Help or version: text to print.
-struct PrintText {
-  std::string text;
-};
-
 using Command = std::variant<ListenOptions, FrequenciesOptions, ToneOptions, PrintText>;
 
-// Throws CliError with exit code 2 when the arguments make no command.
+// Throws ProgramError with exit code 2 when the arguments make no command.
 [[nodiscard]] Command parseCommandLine(int argc, const char* const* argv);
 
-// A4 in whole hertz, 1 to 9999. Throws CliError.
+// A4 in whole hertz, 1 to 9999. Throws ProgramError.
 [[nodiscard]] std::int64_t parseA4(const std::string& text);
 
 }  // namespace endpin

@@ -11,7 +11,7 @@
 
 namespace endpin {
 
-// Returns the exit code; throws CliError.
+// Returns the exit code; throws ProgramError.
 int runFrequencies(const FrequenciesOptions& options, Output& output);
 
 struct SpectrumBin {

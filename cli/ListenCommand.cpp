@@ -42,7 +42,7 @@ int runListen(const ListenOptions& options, Output& output) {
   const StopSignal stop;
   try {
     run({options, output, stop, log});
-  } catch (const CliError&) {
+  } catch (const ProgramError&) {
     if (!stop.raised()) throw;  // a write that the signal cut short is no failure
   }
   return 0;
@@ -52,8 +52,8 @@ void writeInputs(const ListenContext& context) {
   const auto inputs =
       listInputs(std::chrono::seconds(3), [&context] { return context.stop.raised(); });
   if (context.stop.raised()) return;
-  if (!inputs) throw CliError(kExitFailure, "the sound server does not answer");
-  if (inputs->empty()) throw CliError(kExitFailure, "no microphone");
+  if (!inputs) throw ProgramError(kExitFailure, "the sound server does not answer");
+  if (inputs->empty()) throw ProgramError(kExitFailure, "no microphone");
   for (const InputDevice& input : *inputs) {
     const char* remark = input.isMonitor     ? "  (what a speaker plays)"
                          : input.isPluggedIn ? ""

@@ -1,7 +1,7 @@
 #include <chrono>
 
+#include "adapters/cli11/ProgramError.h"
 #include "adapters/offline/FileMicrophone.h"
-#include "cli/CliError.h"
 #include "cli/ListenCommand.h"
 #include "cli/TickPrinter.h"
 
@@ -12,7 +12,7 @@ CapturedSound openSound(const std::string& path) {
   try {
     return CapturedSound(SoundFile(path));
   } catch (const SoundFileError& error) {
-    throw CliError(kExitUsage, error.what());
+    throw ProgramError(kExitUsage, error.what());
   }
 }
 
@@ -36,7 +36,7 @@ void listenToFile(const ListenContext& context, const std::string& path, bool re
   }
   printer->finish();
   if (!context.stop.raised() && sound.truncated()) {
-    throw CliError(kExitFailure, path + ": the sound breaks off before its end");
+    throw ProgramError(kExitFailure, path + ": the sound breaks off before its end");
   }
 }
 

@@ -6,13 +6,14 @@
 #include <cstring>
 #include <string>
 
-#include "cli/CliError.h"
+#include "adapters/cli11/ProgramError.h"
 
 namespace endpin {
 namespace {
 
 [[noreturn]] void fail() {
-  throw CliError(kExitFailure, std::string("output cannot be written: ") + std::strerror(errno));
+  throw ProgramError(kExitFailure,
+                     std::string("output cannot be written: ") + std::strerror(errno));
 }
 
 }  // namespace

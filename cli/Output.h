@@ -10,7 +10,7 @@ class Output {
  public:
   explicit Output(std::FILE* stream) : stream_(stream) {}
 
-  // Both throw CliError when the text cannot be written, a closed pipe included.
+  // Both throw ProgramError when the text cannot be written, a closed pipe included.
   void write(std::string_view text);
   void flush();
 

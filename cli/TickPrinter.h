@@ -16,7 +16,7 @@ class TickPrinter {
   // Listening begins, on the microphone of that name.
   virtual void begin(const std::string& /*microphone*/) {}
 
-  // Throws CliError when it cannot be written.
+  // Throws ProgramError when it cannot be written.
   virtual void print(const TickReport& report) = 0;
 
   // Something else is about to be written to the terminal: leaves the cursor at a free line.

@@ -7,8 +7,8 @@
 #include <charconv>
 #include <cmath>
 
+#include "adapters/cli11/ProgramError.h"
 #include "calibration/StringFrequencies.h"
-#include "cli/CliError.h"
 
 namespace endpin {
 namespace {
@@ -17,7 +17,7 @@ constexpr std::array<const char*, 4> kWaveformNames = {"sine", "triangle", "sawt
 constexpr double kMostSeconds = 3600;
 
 [[noreturn]] void reject(const char* option, const char* expected, const std::string& text) {
-  throw CliError(kExitUsage, fmt::format("{} takes {}, not \"{}\"", option, expected, text));
+  throw ProgramError(kExitUsage, fmt::format("{} takes {}, not \"{}\"", option, expected, text));
 }
 
 // Place of `text` among the names, or their number.

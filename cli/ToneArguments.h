@@ -14,7 +14,7 @@ struct ToneArguments {
   std::string output;
 };
 
-// Leaves the calibration at its default. Throws CliError.
+// Leaves the calibration at its default. Throws ProgramError.
 [[nodiscard]] ToneOptions toneOptions(const ToneArguments& texts);
 
 }  // namespace endpin

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <array>
 
+#include "adapters/cli11/ProgramError.h"
 #include "adapters/posix/StopSignal.h"
 #include "adapters/sndfile/WavWriter.h"
 #include "calibration/StringFrequencies.h"
-#include "cli/CliError.h"
 
 namespace endpin {
 namespace {
@@ -44,7 +44,8 @@ void writeTone(const ToneOptions& options, const StopSignal& stop) {
   synthesizer.curTone = options.waveform;
   ToneFile file(options.output);
   for (std::uint64_t left = options.frames; left > 0;) {
-    if (stop.raised()) throw CliError(kExitFailure, options.output + ": interrupted, not written");
+    if (stop.raised())
+      throw ProgramError(kExitFailure, options.output + ": interrupted, not written");
     const auto frames = static_cast<std::size_t>(std::min<std::uint64_t>(left, kFramesAtATime));
     file.append(synthesizer, frames);
     left -= frames;
@@ -59,7 +60,7 @@ int runTone(const ToneOptions& options) {
   try {
     writeTone(options, stop);
   } catch (const WavWriterError& error) {
-    throw CliError(kExitFailure, error.what());
+    throw ProgramError(kExitFailure, error.what());
   }
   return 0;
 }

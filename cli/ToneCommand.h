@@ -5,7 +5,7 @@
 
 namespace endpin {
 
-// Returns the exit code; throws CliError. A file that cannot be finished is not left behind.
+// Returns the exit code; throws ProgramError. A file that cannot be finished is not left behind.
 int runTone(const ToneOptions& options);
 
 }  // namespace endpin

@@ -6,7 +6,7 @@
 #include <string>
 #include <variant>
 
-#include "cli/CliError.h"
+#include "adapters/cli11/ProgramError.h"
 #include "cli/CommandLine.h"
 #include "cli/FrequenciesCommand.h"
 #include "cli/ListenCommand.h"
@@ -47,7 +47,7 @@ int main(int argc, char** argv) {
   Output output(stdout);
   try {
     return std::visit(Run{output}, parseCommandLine(argc, argv));
-  } catch (const CliError& error) {
+  } catch (const ProgramError& error) {
     return report(error.what(), error.exitCode());
   } catch (const std::exception& error) {
     return report(error.what(), kExitFailure);

@@ -1,6 +1,6 @@
 #include "desktop/FileInput.h"
 
-#include "desktop/StartError.h"
+#include "adapters/cli11/ProgramError.h"
 
 namespace endpin {
 namespace {
@@ -12,7 +12,7 @@ CapturedSound openSound(const std::string& path) {
   try {
     return CapturedSound(SoundFile(path));
   } catch (const SoundFileError& error) {
-    throw StartError(kExitUsage, error.what());
+    throw ProgramError(kExitUsage, error.what());
   }
 }
 

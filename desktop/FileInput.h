@@ -14,7 +14,7 @@ namespace endpin {
 
 class FileInput final : public AudioInput {
  public:
-  // Throws StartError for a file that is missing, not readable or no sound.
+  // Throws ProgramError for a file that is missing, not readable or no sound.
   explicit FileInput(const std::string& path);
   FileInput(const FileInput&) = delete;
   FileInput& operator=(const FileInput&) = delete;

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "adapters/bundle/FileBundle.h"
-#include "desktop/StartError.h"
+#include "adapters/cli11/ProgramError.h"
 
 namespace endpin {
 namespace {
@@ -38,8 +38,9 @@ std::string chooseLanguage(const std::string& wanted, const std::string& resourc
   const std::string tag = languageTag(wanted);
   const auto languages = languagesIn(resourcePath);
   if (speaks(languages, tag) && wanted != "C" && wanted != "POSIX") return tag;
-  throw StartError(kExitUsage, fmt::format("there are no texts in the language \"{}\", only in {}",
-                                           wanted, fmt::join(languages, ", ")));
+  throw ProgramError(kExitUsage,
+                     fmt::format("there are no texts in the language \"{}\", only in {}", wanted,
+                                 fmt::join(languages, ", ")));
 }
 
 }  // namespace endpin

@@ -6,7 +6,8 @@
 namespace endpin {
 
 // The tag to use: the wanted one, or the system's when none is wanted. A wanted language of which
-// there are no texts under `resourcePath` throws StartError; a region that we do not know is fine.
+// there are no texts under `resourcePath` throws ProgramError; a region that we do not know is
+// fine.
 [[nodiscard]] std::string chooseLanguage(const std::string& wanted,
                                          const std::string& resourcePath);
 

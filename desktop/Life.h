@@ -4,26 +4,26 @@
 
 #include <optional>
 
+#include "adapters/cli11/ProgramError.h"
 #include "adapters/qt/ForegroundWatch.h"
 #include "adapters/qt/LayoutWindow.h"
 #include "adapters/qt/MotionPreference.h"
 #include "app/AppDelegate.h"
 #include "desktop/Rating.h"
-#include "desktop/StartError.h"
 #include "ports/Platform.h"
 
 namespace endpin {
 
 class Life {
  public:
-  // Launches the application, which shows its screen in `window`; throws StartError when it cannot.
-  // Both outlive the life, which outlives the event loop.
+  // Launches the application, which shows its screen in `window`; throws ProgramError when it
+  // cannot. Both outlive the life, which outlives the event loop.
   Life(const Platform& platform, LayoutWindow& window)
       : motion_([&window](bool reduced) { window.setReducedMotion(reduced); }),
         rating_(platform, window.window()),
         delegate_({platform.device, window, platform.log}) {
     delegate_.applicationDidFinishLaunching();
-    if (!window.hasLayout()) throw StartError(kExitFailure, "the screen cannot be shown");
+    if (!window.hasLayout()) throw ProgramError(kExitFailure, "the screen cannot be shown");
     watch_.emplace(window.window(), [this] { delegate_.applicationWillEnterForeground(); });
   }
   Life(const Life&) = delete;

@@ -8,7 +8,6 @@
 #include <cmath>
 
 #include "adapters/sqlite/StorePath.h"
-#include "desktop/StartError.h"
 
 namespace endpin {
 namespace {
@@ -39,20 +38,6 @@ void addOptions(CLI::App& app, Arguments& into) {
   app.add_flag("--verbose", options.verbose, "Write the log to standard error");
 }
 
-[[noreturn]] void reject(std::string message) {
-  std::replace(message.begin(), message.end(), '\n', ' ');
-  throw StartError(kExitUsage, message);
-}
-
-void rejectEmptyTexts(const CLI::App& app) {
-  for (const CLI::Option* option : app.get_options()) {
-    const auto& given = option->results();
-    if (std::find(given.begin(), given.end(), "") != given.end()) {
-      reject(option->get_name() + " needs a value");
-    }
-  }
-}
-
 std::string deviceTable() {
   std::string table;
   for (const DeviceModel& model : deviceList()) {
@@ -66,18 +51,18 @@ Options checked(Arguments arguments) {
   if (!arguments.device.empty()) {
     options.device = deviceNamed(arguments.device);
     if (!options.device) {
-      reject(
+      rejectArguments(
           fmt::format("there is no device \"{}\" (--list-devices names them)", arguments.device));
     }
   }
   if (!options.panel.empty() &&
       std::find(kPanels.begin(), kPanels.end(), options.panel) == kPanels.end()) {
-    reject(fmt::format("there is no panel \"{}\": --panel takes {}", options.panel,
-                       fmt::join(kPanels, ", ")));
+    rejectArguments(fmt::format("there is no panel \"{}\": --panel takes {}", options.panel,
+                                fmt::join(kPanels, ", ")));
   }
   constexpr double kLongest = 86400;
   if (!(options.after >= 0 && options.after <= kLongest)) {
-    reject(fmt::format("--after takes seconds from 0 to {:.0f}", kLongest));
+    rejectArguments(fmt::format("--after takes seconds from 0 to {:.0f}", kLongest));
   }
   options.store =
       arguments.store.empty() ? defaultStorePath() : std::filesystem::path(arguments.store);
@@ -91,15 +76,7 @@ std::variant<Options, PrintText> parseOptions(int argc, const char* const* argv)
   CLI::App app("Endpin, a tuner for the cello", "endpin");
   app.set_version_flag("--version", "endpin " ENDPIN_VERSION);
   addOptions(app, arguments);
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::CallForHelp&) {
-    return PrintText{app.help()};
-  } catch (const CLI::CallForVersion& version) {
-    return PrintText{std::string(version.what()) + '\n'};
-  } catch (const CLI::ParseError& error) {
-    reject(std::string(error.what()) + " (--help explains)");
-  }
+  if (const auto text = parseArguments(app, argc, argv)) return *text;
   rejectEmptyTexts(app);
   if (arguments.listDevices) return PrintText{deviceTable()};
   return checked(std::move(arguments));

@@ -6,6 +6,7 @@
 #include <string>
 #include <variant>
 
+#include "adapters/cli11/ParseArguments.h"
 #include "adapters/qt/DeviceList.h"
 
 namespace endpin {
@@ -22,13 +23,8 @@ struct Options {
   bool verbose = false;               // the log goes to standard error
 };
 
-// Help, version, list of devices: text for standard output, and nothing else to do.
-struct PrintText {
-  std::string text;
-};
-
-// Throws StartError for what makes no sense. Before the application object: it changes the locale
-// that numbers are read by.
+// Text for help, version and the list of devices. Throws ProgramError for what makes no sense.
+// Before the application object: it changes the locale that numbers are read by.
 [[nodiscard]] std::variant<Options, PrintText> parseOptions(int argc, const char* const* argv);
 
 }  // namespace endpin

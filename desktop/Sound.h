@@ -15,7 +15,7 @@ namespace endpin {
 
 class Sound {
  public:
-  // Throws StartError for a sound file that cannot be used. `log` outlives the sound.
+  // Throws ProgramError for a sound file that cannot be used. `log` outlives the sound.
   Sound(const Options& options, Log& log) : microphone_(options.inputDevice, log) {
     if (!options.input.empty()) file_.emplace(options.input);
   }

@@ -2,6 +2,7 @@
 #include <cstdio>
 
 #include "adapters/bundle/FileBundle.h"
+#include "adapters/cli11/ProgramError.h"
 #include "adapters/log/NullLog.h"
 #include "adapters/log/StreamLog.h"
 #include "adapters/qt/QtDevice.h"
@@ -15,7 +16,6 @@
 #include "desktop/Life.h"
 #include "desktop/Options.h"
 #include "desktop/Sound.h"
-#include "desktop/StartError.h"
 #include "ports/Platform.h"
 
 namespace endpin {
@@ -62,7 +62,7 @@ int main(int argc, char** argv) {
     if (const auto* options = std::get_if<Options>(&asked)) return run(*options, argv);
     std::fputs(std::get<PrintText>(asked).text.c_str(), stdout);
     return 0;
-  } catch (const StartError& error) {
+  } catch (const ProgramError& error) {
     std::fprintf(stderr, "endpin: %s\n", error.what());
     return error.exitCode();
   }

@@ -1,4 +1,4 @@
-// What keeps the application from starting: one line for the user and the exit code.
+// What ends a program early: one line for the user and the exit code.
 #pragma once
 
 #include <stdexcept>
@@ -6,12 +6,12 @@
 
 namespace endpin {
 
-inline constexpr int kExitFailure = 1;  // something is missing on this machine
+inline constexpr int kExitFailure = 1;  // something is missing, or went wrong on the way
 inline constexpr int kExitUsage = 2;    // it cannot be done as it was asked for
 
-class StartError : public std::runtime_error {
+class ProgramError : public std::runtime_error {
  public:
-  StartError(int exitCode, const std::string& message)
+  ProgramError(int exitCode, const std::string& message)
       : std::runtime_error(message), exitCode_(exitCode) {}
   [[nodiscard]] int exitCode() const { return exitCode_; }
 

@@ -1,0 +1,28 @@
+// The arguments of a program, read by CLI11 and reported in our own way.
+#pragma once
+
+#include <CLI/App.hpp>
+#include <optional>
+#include <string>
+
+#include "adapters/cli11/ProgramError.h"
+
+namespace endpin {
+
+// Help or version: text for standard output, and nothing else to do.
+struct PrintText {
+  std::string text;
+};
+
+// Fills what `app` was told to fill; text when help or the version was asked for. Throws
+// ProgramError with kExitUsage.
+[[nodiscard]] std::optional<PrintText> parseArguments(CLI::App& app, int argc,
+                                                      const char* const* argv);
+
+// Throws ProgramError with kExitUsage and the message on one line, whatever the user typed.
+[[noreturn]] void rejectArguments(std::string message);
+
+// Rejects options that were given an empty text, `app` being what has the options.
+void rejectEmptyTexts(const CLI::App& app);
+
+}  // namespace endpin
