@@ -1,5 +1,6 @@
 #include "desktop/GuiStart.h"
 
+#include <QIcon>
 #include <QInputDevice>
 #include <QOpenGLContext>
 #include <QQuickWindow>
@@ -81,6 +82,8 @@ std::unique_ptr<QGuiApplication> startGui(char** arguments, const Options& optio
   muted.reset();
   qInstallMessageHandler(logMessage);
   chooseRenderer();
+  // For desktops that do not find it by the name of the desktop file.
+  QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/endpin/pictures/endpin128@2x.png")));
   return application;
 }
 

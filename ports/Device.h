@@ -20,7 +20,7 @@ class Device {
   // Height of the main screen in points.
   [[nodiscard]] virtual double screenHeight() const = 0;
 
-  // Version of the platform, such as "6.1".
+  // Version of the operating system, such as "12" or "8.1"; what is no number counts as none.
   [[nodiscard]] virtual std::string systemVersion() const = 0;
 
   // Keeps the screen from dimming and locking while the application runs.

@@ -5,7 +5,7 @@
 namespace endpin {
 
 std::string QtDevice::systemVersion() const {
-  return QSysInfo::kernelVersion().toStdString();
+  return QSysInfo::productVersion().toStdString();
 }
 
 }  // namespace endpin
