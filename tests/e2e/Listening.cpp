@@ -64,6 +64,15 @@ int countOf(const Ticks& ticks, const std::function<bool(const Tick&)>& holds) {
   return static_cast<int>(std::count_if(ticks.begin(), ticks.end(), holds));
 }
 
+double shareInTune(const Ticks& ticks, int string, double to) {
+  const auto steady = [&](const Tick& tick) { return tick.time >= 1.2 && tick.time <= to; };
+  const int inTune = countOf(ticks, [&](const Tick& tick) {
+    return steady(tick) && tick.green() && inBand(string, static_cast<double>(tick.frequency));
+  });
+  const int all = countOf(ticks, steady);
+  return all == 0 ? 0.0 : inTune / static_cast<double>(all);
+}
+
 void expectJudged(const Ticks& ticks, int string) {
   const std::string note = kCelloStrings[string].note;
   ASSERT_FALSE(ticks.empty());

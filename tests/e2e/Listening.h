@@ -47,6 +47,11 @@ inline constexpr double kLeastShareLive[4] = {0.95, 0.95, 0.95, 0.0};
 
 int countOf(const Ticks& ticks, const std::function<bool(const Tick&)>& holds);
 
+// Of the ticks from 1.2 s on (the first block ends at 0.6 s and has the attack in it) to `to`,
+// where the note ends: the part that judged this string in tune anew. The lamp alone would say
+// little: it stays green until there is silence.
+double shareInTune(const Ticks& ticks, int string, double to = 6.0);
+
 // Expects that the ticks judge this string (0 = A3) and no other: its note whenever the lamp is
 // green, its ring and no other, at least one beep.
 void expectJudged(const Ticks& ticks, int string);

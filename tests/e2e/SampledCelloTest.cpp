@@ -15,10 +15,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// The first 0.6 s bring the attack and no block yet; the last blocks bring the release.
-constexpr double kSteadyFrom = 1.2;
-constexpr double kSteadyTo = 6.0;
-
 class SoundFile : public ::testing::Test {
  protected:
   Ticks listenTo(const std::string& path) {
@@ -48,19 +44,6 @@ CelloNote noteOf(int string, double cents = 0.0) {
   CelloNote note{kCelloStrings[string].midiNote, kCelloStrings[string].frequency};
   note.cents = cents;
   return note;
-}
-
-// Of the ticks while the note is held, the part that judged it in tune anew (the lamp alone would
-// say little: it stays green until there is silence).
-double shareInTune(const Ticks& ticks, int string) {
-  Ticks steady;
-  for (const Tick& tick : ticks) {
-    if (tick.time >= kSteadyFrom && tick.time <= kSteadyTo) steady.push_back(tick);
-  }
-  const int inTune = countOf(steady, [&](const Tick& tick) {
-    return tick.green() && inBand(string, static_cast<double>(tick.frequency));
-  });
-  return steady.empty() ? 0.0 : inTune / static_cast<double>(steady.size());
 }
 
 TEST_F(SampledCello, EveryStringInTuneLightsItsOwnGreen) {
