@@ -18,7 +18,7 @@ class FixedDevice : public Device {
     std::string systemVersion = "1.0";
   };
 
-  FixedDevice() = default;
+  FixedDevice() : FixedDevice(Facts{}) {}
   explicit FixedDevice(Facts facts) : facts_(std::move(facts)) {}
 
   [[nodiscard]] std::optional<int> userInterfaceIdiom() const override { return facts_.idiom; }

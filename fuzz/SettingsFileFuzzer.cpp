@@ -1,0 +1,76 @@
+// Any bytes as the settings file of an earlier run: the application starts on it, writes, and finds
+// what it has written when it comes back, unless it has said that it cannot.
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+
+#include "adapters/sqlite/SqliteStore.h"
+#include "fuzz/Fuzzing.h"
+#include "fuzz/TunerOnFakes.h"
+#include "tests/support/TempDirectory.h"
+
+namespace endpin::fuzzing {
+namespace {
+
+namespace fs = std::filesystem;
+
+bool says(const fakes::FakeLog& log, const char* part) {
+  return std::any_of(log.lines.begin(), log.lines.end(),
+                     [part](const std::string& line) { return line.find(part) != line.npos; });
+}
+
+bool isKeptAside(const fs::path& folder) {
+  return std::any_of(fs::directory_iterator(folder), fs::directory_iterator(),
+                     [](const fs::directory_entry& file) {
+                       return file.path().filename().string().find(".corrupt-") !=
+                              std::string::npos;
+                     });
+}
+
+void write(SettingsStore& store) {
+  store.setBool("a flag", true);
+  store.setInteger("a4InHzSavedValue", 415);
+  store.setDouble("savedSliderValue", 0.1);
+  store.setString("text", "Hände");
+  store.synchronize();
+}
+
+void requireWritten(const SettingsStore& store) {
+  require(store.boolForKey("a flag"), "a written flag is read back");
+  require(store.integerForKey("a4InHzSavedValue") == 415, "a written integer is read back");
+  require(store.doubleForKey("savedSliderValue") == 0.1, "a written number is read back");
+  require(store.stringForKey("text") == "Hände", "a written text is read back");
+}
+
+void startAndWrite(const std::string& path, fakes::FakeLog& log) {
+  SqliteStore store(path, log);
+  { const TunerOnFakes tuner(store); }
+  write(store);
+  requireWritten(store);
+}
+
+}  // namespace
+}  // namespace endpin::fuzzing
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace endpin::fuzzing;
+  static const endpin::testing::TempDirectory parent;
+  const fs::path folder = parent.path() / "settings";
+  fs::remove_all(folder);
+  fs::create_directory(folder);
+  const std::string path = folder / "settings.db";
+  Input input(data, size);
+  std::ofstream(path, std::ios::binary) << Input::textOf(input.rest());
+
+  endpin::fakes::FakeLog log;
+  startAndWrite(path, log);
+  for (const std::string& line : log.lines) require(isOneLine(line), "a complaint is one line");
+  require(log.lines.size() <= 2, "one line a trouble");
+  require(says(log, "are damaged") == isKeptAside(folder), "a damaged file is kept aside");
+  if (says(log, "cannot be")) return 0;
+  endpin::fakes::FakeLog again;
+  requireWritten(endpin::SqliteStore(path, again));
+  require(again.lines.empty(), "what was mended stays mended",
+          again.lines.empty() ? "" : again.lines[0]);
+  return 0;
+}
