@@ -64,7 +64,7 @@ void restoreSettings(SettingsStore& settings, Log& log, const RestoredState& sta
   log.line(fmt::format("Current saved frequency is:{}", savedA4));
   log.line(fmt::format("Current A4 calibration is:{}", savedA4));
 
-  settings.setInteger("numberOfRuns", settings.integerForKey("numberOfRuns") + 1);
+  settings.setInteger("numberOfRuns", countAfter(settings.integerForKey("numberOfRuns")));
   settings.synchronize();
 }
 

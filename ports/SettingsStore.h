@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -35,5 +36,10 @@ class SettingsStore {
   // A store that cannot write says so in the log and goes on in memory.
   virtual void synchronize() = 0;
 };
+
+// What follows a stored count. A store may hold any number: the greatest stays.
+[[nodiscard]] constexpr std::int64_t countAfter(std::int64_t count) {
+  return count < std::numeric_limits<std::int64_t>::max() ? count + 1 : count;
+}
 
 }  // namespace endpin

@@ -51,7 +51,7 @@ void UsageBook::countOne(const Counted& counted, bool debug) {
   if (settings.doubleForKey(kFirstUseDate) == 0) {
     settings.setDouble(kFirstUseDate, ports_.clock.secondsSince1970());
   }
-  const std::int64_t count = settings.integerForKey(counted.key) + 1;
+  const std::int64_t count = countAfter(settings.integerForKey(counted.key));
   settings.setInteger(counted.key, count);
   if (debug) ports_.log.line(fmt::format("RATINGPROMPT {} count: {}", counted.name, count));
 }

@@ -37,7 +37,9 @@ void Sensitivity::micSensitivity(Slider& sender, const Slider& slider, SettingsS
 }
 
 void Sensitivity::restore(double savedSliderValue, Slider& slider) {
-  micSensitivityValue = static_cast<std::int64_t>(savedSliderValue);
+  constexpr double kTooLarge = 9223372036854775808.0;        // 2^63
+  const bool fits = std::abs(savedSliderValue) < kTooLarge;  // not a number does not
+  micSensitivityValue = fits ? static_cast<std::int64_t>(savedSliderValue) : 0;
   slider.setValue(static_cast<double>(micSensitivityValue));
 }
 

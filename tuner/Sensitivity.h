@@ -32,7 +32,8 @@ struct Sensitivity {
   // and saved.
   void micSensitivity(Slider& sender, const Slider& slider, SettingsStore& settings, Log& log);
 
-  // Takes the index over without touching the thresholds: they follow the slider only.
+  // Takes the index over without touching the thresholds: they follow the slider only. What no
+  // integer can hold counts as 0.
   void restore(double savedSliderValue, Slider& slider);
 };
 

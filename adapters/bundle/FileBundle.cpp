@@ -1,6 +1,7 @@
 #include "adapters/bundle/FileBundle.h"
 
 #include <algorithm>
+#include <exception>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <utility>
@@ -48,14 +49,15 @@ const FileBundle::Texts& FileBundle::texts(std::string_view table,
   return loaded_.emplace(name, load(name)).first->second;
 }
 
-// A missing file is an empty table: not every language has every text.
+// A missing file is an empty table: not every language has every text. What can be opened and not
+// read, such as a folder, makes the stream throw, not the parser.
 FileBundle::Texts FileBundle::load(const std::string& name) const {
   const std::string path = place_.resourcePath + "/texts/" + name + ".json";
   std::ifstream file(path);
   if (!file) return {};
   try {
     return nlohmann::json::parse(file).get<Texts>();
-  } catch (const nlohmann::json::exception& error) {
+  } catch (const std::exception& error) {
     log_.line(path + " cannot be read: " + error.what());
     return {};
   }

@@ -25,6 +25,7 @@ struct BundleTest : ::testing::Test {
     write("Localizable/pt-BR", R"({"hello": "Oi"})");
     write("Localizable/fr", R"({"hello": )");
     write("Localizable/it", R"({"hello": 5})");
+    std::filesystem::create_directory(folder.file("texts/Localizable/ko.json"));
     write("Other/en", R"({"hello": "Other hello"})");
   }
 
@@ -61,7 +62,7 @@ TEST_F(BundleTest, TextsComeFromTheNearestLanguage) {
 }
 
 TEST_F(BundleTest, ACorruptTableIsLoggedOnceAndStoodInFor) {
-  for (const char* language : {"fr", "it"}) {
+  for (const char* language : {"fr", "it", "ko"}) {
     log.lines.clear();
     const FileBundle corrupt = bundle(language);
     EXPECT_EQ(corrupt.localizedString("hello", "", ""), "Hello");

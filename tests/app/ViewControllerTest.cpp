@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <memory>
 #include <numbers>
 #include <string>
@@ -140,6 +141,21 @@ TEST_F(ViewControllerTest, StrangeSwitchValuesLeaveTheSwitches) {
   launch();
   EXPECT_FALSE(controller_->feedback().soundNotificationOn);
   EXPECT_TRUE(sounds_.isOn());
+}
+
+TEST_F(ViewControllerTest, StrangeStoredNumbersAreBorne) {
+  launch();
+  constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
+  fake_.settings.setInteger("numberOfRuns", kMost);
+  for (const double index : {1e300, -0x1p63, std::nan(""), HUGE_VAL}) {
+    fake_.settings.setDouble("savedSliderValue", index);
+    slider_.setValue(5);
+    launch();
+    EXPECT_EQ(slider_.value(), 0) << index;
+  }
+  EXPECT_EQ(fake_.settings.integerForKey("numberOfRuns"), kMost) << "it does not turn over";
+  EXPECT_EQ(countAfter(-1), 0);
+  EXPECT_EQ(countAfter(kMost - 1), kMost);
 }
 
 TEST_F(ViewControllerTest, ATuningForkLeftOpenSilencesTheBeepUntilTheSwitchIsUsed) {

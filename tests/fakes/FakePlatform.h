@@ -78,7 +78,10 @@ class FakeSettings final : public SettingsStore {
   using Value = std::variant<std::int64_t, bool, double, std::string>;
 
   std::int64_t integerForKey(std::string_view key) const override {
-    return static_cast<std::int64_t>(doubleForKey(key));
+    const auto found = values.find(std::string(key));
+    if (found == values.end()) return 0;
+    const auto* integer = std::get_if<std::int64_t>(&found->second);
+    return integer ? *integer : static_cast<std::int64_t>(doubleForKey(key));
   }
   bool boolForKey(std::string_view key) const override { return doubleForKey(key) != 0; }
   double doubleForKey(std::string_view key) const override {

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <thread>
 
 #include "adapters/sqlite/SqliteStore.h"
@@ -33,6 +34,12 @@ struct SettingsTest : ::testing::Test {
     return names;
   }
 };
+
+std::streamoff placeIn(const std::string& path, const char* text) {
+  std::ostringstream content;
+  content << std::ifstream(path, std::ios::binary).rdbuf();
+  return static_cast<std::streamoff>(content.str().find(text));
+}
 
 TEST_F(SettingsTest, RemoveAllReachesTheFileWithWhatFollows) {
   {
@@ -87,6 +94,7 @@ TEST_F(SettingsTest, DamagedFilesAreKeptAside) {
     std::streamoff at;
     std::string bytes;
     bool fromScratch;
+    const char* over = nullptr;  // or the text in the file that is overwritten
   };
   const Row rows[] = {
       {"no database, short", 0, "hello", true},
@@ -94,12 +102,17 @@ TEST_F(SettingsTest, DamagedFilesAreKeptAside) {
       {"another program's table", 0, "", false},
       {"header overwritten", 0, std::string(40, '\0'), false},
       {"table page overwritten", 4096, std::string(4096, '\x7f'), false},
+      {"rows out of order", 0, "z", false, "kept"},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
     fs::remove_all(fs::path(path).parent_path());
     log.lines.clear();
-    { SqliteStore(path, log).setInteger("counter", 5); }
+    {
+      SqliteStore store(path, log);
+      store.setInteger("counter", 5);
+      for (const char* key : {"kept", "other"}) store.setInteger(key, 1);
+    }
     if (row.bytes.empty()) {
       fs::remove(path);
       sqlite3* other = nullptr;
@@ -110,7 +123,7 @@ TEST_F(SettingsTest, DamagedFilesAreKeptAside) {
       if (row.fromScratch) fs::remove(path);
       std::ofstream file(path, std::ios::binary | std::ios::in | std::ios::out |
                                    (row.fromScratch ? std::ios::trunc : std::ios::openmode{}));
-      file.seekp(row.at);
+      file.seekp(row.over ? placeIn(path, row.over) : row.at);
       file << row.bytes;
     }
     {
