@@ -1,5 +1,4 @@
 // endpin-cli: the tuner in the terminal.
-#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <exception>
@@ -32,11 +31,8 @@ struct Run {
   }
 };
 
-// One line, whatever the names in it contain.
-int report(std::string message, int exitCode) {
-  std::replace_if(
-      message.begin(), message.end(), [](char c) { return c >= '\0' && c < ' '; }, '?');
-  std::fprintf(stderr, "endpin-cli: %s\n", message.c_str());
+int report(const std::string& message, int exitCode) {
+  std::fprintf(stderr, "endpin-cli: %s\n", printable(message).c_str());
   return exitCode;
 }
 

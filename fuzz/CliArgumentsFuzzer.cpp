@@ -1,7 +1,7 @@
 // Any arguments for the terminal's program: a command, or one line and exit code 2.
 //
 // An input is the arguments, with a zero byte between two of them.
-#include "cli/CliError.h"
+#include "adapters/cli11/ProgramError.h"
 #include "cli/CommandLine.h"
 #include "fuzz/Arguments.h"
 
@@ -35,9 +35,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   try {
     std::visit([](const auto& command) { check(command); },
                parseCommandLine(arguments.count(), arguments.values()));
-  } catch (const CliError& error) {
+  } catch (const ProgramError& error) {
     require(error.exitCode() == kExitUsage, "wrong arguments are wrong usage");
-    require(isOneLine(error.what()), "a complaint is one line", error.what());
+    require(isOneLine(error.what()), "a complaint is one line");
   }
   return 0;
 }

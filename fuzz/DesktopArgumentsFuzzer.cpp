@@ -4,9 +4,9 @@
 #include <filesystem>
 
 #include "adapters/bundle/FileBundle.h"
+#include "adapters/cli11/ProgramError.h"
 #include "desktop/Language.h"
 #include "desktop/Options.h"
-#include "desktop/StartError.h"
 #include "fuzz/Arguments.h"
 
 namespace endpin::fuzzing {
@@ -33,7 +33,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   try {
     std::visit([](const auto& asked) { check(asked); },
                parseOptions(arguments.count(), arguments.values()));
-  } catch (const StartError& error) {
+  } catch (const ProgramError& error) {
     require(error.exitCode() == kExitUsage, "wrong arguments are wrong usage");
     require(isOneLine(error.what()), "a complaint is one line", error.what());
   }

@@ -155,12 +155,14 @@ int main(int argumentCount, char** paths) {
             {"--help", "--version", "listen --input a.wav --realtime --a4 440 --json --verbose",
              "listen --input-device name --or-recording b.flac", "listen --list-inputs",
              "frequencies --a4 415 --json", "listen --a4 440.5", "listen --bogus", "sing",
+             "tone --string a\nb --seconds 1 --output a",
              "tone --string A3 --a4 442 --waveform sine --seconds 1.5 --output a.wav",
              "tone --string=C2 --waveform=triangle --seconds=1e2 --output=b"});
   arguments(Seeds(folder, "desktop-arguments"),
             {"--help", "--version", "--list-devices", "--device phone:667 --input a.wav",
              "--input-device name --store s.db --language pt-BR --panel fork",
              "--screenshot a.png --after 2.5 --verbose", "--after nan --screenshot=b",
-             "--panel=about --device=tablet:1366", "--language de", "--bogus", "word"});
+             "--language a\nb --verbose", "--panel=about --device=tablet:1366", "--language de",
+             "--bogus", "word"});
   return 0;
 }

@@ -16,7 +16,7 @@
 namespace endpin::fuzzing {
 namespace {
 
-constexpr int kMostActions = 40;  // a transform each
+constexpr int kMostActions = 20;  // a transform each
 
 class PitchRun {
  public:

@@ -18,8 +18,7 @@ std::optional<PrintText> parseArguments(CLI::App& app, int argc, const char* con
   return std::nullopt;
 }
 
-void rejectArguments(std::string message) {
-  std::replace(message.begin(), message.end(), '\n', ' ');
+void rejectArguments(const std::string& message) {
   throw ProgramError(kExitUsage, message);
 }
 

@@ -19,8 +19,8 @@ struct PrintText {
 [[nodiscard]] std::optional<PrintText> parseArguments(CLI::App& app, int argc,
                                                       const char* const* argv);
 
-// Throws ProgramError with kExitUsage and the message on one line, whatever the user typed.
-[[noreturn]] void rejectArguments(std::string message);
+// Throws ProgramError with kExitUsage.
+[[noreturn]] void rejectArguments(const std::string& message);
 
 // Rejects options that were given an empty text, `app` being what has the options.
 void rejectEmptyTexts(const CLI::App& app);

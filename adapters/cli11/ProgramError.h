@@ -1,6 +1,7 @@
 // What ends a program early: one line for the user and the exit code.
 #pragma once
 
+#include <algorithm>
 #include <stdexcept>
 #include <string>
 
@@ -9,10 +10,17 @@ namespace endpin {
 inline constexpr int kExitFailure = 1;  // something is missing, or went wrong on the way
 inline constexpr int kExitUsage = 2;    // it cannot be done as it was asked for
 
+// One line: control characters, such as the line ends in a file's name, become '?'.
+[[nodiscard]] inline std::string printable(std::string text) {
+  std::replace_if(
+      text.begin(), text.end(), [](char c) { return c >= '\0' && c < ' '; }, '?');
+  return text;
+}
+
 class ProgramError : public std::runtime_error {
  public:
   ProgramError(int exitCode, const std::string& message)
-      : std::runtime_error(message), exitCode_(exitCode) {}
+      : std::runtime_error(printable(message)), exitCode_(exitCode) {}
   [[nodiscard]] int exitCode() const { return exitCode_; }
 
  private:

@@ -69,6 +69,8 @@ TEST_F(DesktopTest, RefusesWhatMakesNoSenseInOneLine) {
       {{"--device", ""}, "--device"},
       {{"--language", "xx"}, "\"xx\""},
       {{"--language", "english"}, "english"},
+      {{"--language", "two\nlines"}, "two?lines"},
+      {{"--input", "no\nfile"}, "no?file"},
       {{"--input", "/nonexistent.wav"}, "/nonexistent.wav"},
       {{"--input", folder.path().string()}, folder.path().c_str()},
       {{"--input", folder.file("text.wav")}, "text.wav"},
