@@ -52,6 +52,8 @@ fuzz() {
 # In memory where there is such a folder: the sound files and settings are written anew each time.
 work=$(mktemp -d -p "$([ -d /dev/shm ] && echo /dev/shm || echo /tmp)" endpin-fuzz-XXXXXX)
 trap 'rm -rf "$work"' EXIT
+exec 9>lock
+flock -n 9 || { echo "the fuzzers of this folder run already" >&2; exit 1; }
 rm -rf logs
 mkdir -p logs findings
 ./endpin-fuzz-seeds seeds "$OLDPWD/resources"
