@@ -1,0 +1,80 @@
+// How long a thread was kept from what it does every ten milliseconds, and how much of that was the
+// machine's doing: a busy machine lets threads wait for a processor, and a virtual one may stop
+// altogether. What is left is what the thread itself waited or worked for.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace endpin::soak {
+
+using StallClock = std::chrono::steady_clock;
+
+// Seconds that the calling thread has been ready to run and had no processor, since it began.
+class ProcessorWait {
+ public:
+  ProcessorWait();
+  ~ProcessorWait();
+  ProcessorWait(const ProcessorWait&) = delete;
+  [[nodiscard]] double seconds() const;
+
+ private:
+  int file_;
+};
+
+struct Stall {
+  StallClock::time_point begin;
+  StallClock::time_point end;
+  double processorWait = 0;  // seconds of it
+  [[nodiscard]] double seconds() const {
+    return std::chrono::duration<double>(end - begin).count();
+  }
+};
+
+// Collects the stalls of one thread, which beats it. Those under 30 ms are forgotten.
+class Heartbeat {
+ public:
+  // Thread: the one that is watched, from here on.
+  Heartbeat() : last_(StallClock::now()), lastWait_(wait_.seconds()) {}
+  void beat();
+
+  // After the last beat.
+  [[nodiscard]] const std::vector<Stall>& stalls() const { return stalls_; }
+  [[nodiscard]] std::size_t beats() const { return beats_; }
+
+ private:
+  const ProcessorWait wait_;
+  StallClock::time_point last_;
+  double lastWait_;
+  std::size_t beats_ = 0;
+  std::vector<Stall> stalls_;
+};
+
+// A thread with nothing to do but to beat: what stalls it is the machine.
+class Witness {
+ public:
+  Witness();
+  ~Witness() { stop(); }
+  Witness(const Witness&) = delete;
+
+  // Ends the thread; its stalls stay.
+  void stop();
+  [[nodiscard]] const std::vector<Stall>& stalls() const { return stalls_; }
+
+ private:
+  std::atomic<bool> quit_ = false;
+  std::vector<Stall> stalls_;
+  std::thread thread_;
+};
+
+// The longest of the stalls, in seconds.
+[[nodiscard]] double longest(const std::vector<Stall>& stalls);
+
+// The longest that remains of `stalls` without what the machine is to blame for.
+[[nodiscard]] double longestOwn(const std::vector<Stall>& stalls,
+                                const std::vector<Stall>& machine);
+
+}  // namespace endpin::soak
