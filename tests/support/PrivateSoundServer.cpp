@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
+#include <sstream>
 #include <thread>
 
 namespace endpin::testing {
@@ -126,10 +127,10 @@ void PrivateSoundServer::thaw() {
   server_->signal(SIGCONT);
 }
 
-bool PrivateSoundServer::hasMicrophone() const {
-  std::string sources;
-  return control({"list", "short", "sources"}, &sources) &&
-         sources.find("\tvirtmic\t") != std::string::npos;
+bool PrivateSoundServer::lists(const char* kind, const std::string& name) const {
+  std::string devices;
+  return control({"list", "short", kind}, &devices) &&
+         devices.find('\t' + name + '\t') != std::string::npos;
 }
 
 bool PrivateSoundServer::removeMicrophone() {
@@ -140,6 +141,25 @@ bool PrivateSoundServer::addMicrophone() {
   std::vector<std::string> words = {"load-module"};
   words.insert(words.end(), kMicrophone.begin(), kMicrophone.end());
   return control(words) && control({"set-default-source", "virtmic"}) && hasMicrophone();
+}
+
+// Its module is named by its number: the feed of the microphone is of the same kind.
+bool PrivateSoundServer::removeSpeaker() {
+  std::string modules;
+  if (!control({"list", "short", "modules"}, &modules)) return false;
+  std::istringstream lines(modules);
+  for (std::string line; std::getline(lines, line);) {
+    if (line.find("sink_name=speaker") == std::string::npos) continue;
+    return control({"unload-module", line.substr(0, line.find('\t'))}) && !hasSpeaker();
+  }
+  return false;
+}
+
+bool PrivateSoundServer::addSpeaker() {
+  std::vector<std::string> words = {"load-module"};
+  std::istringstream module(kSpeaker);
+  for (std::string word; module >> word;) words.push_back(word);
+  return control(words) && control({"set-default-sink", "speaker"}) && hasSpeaker();
 }
 
 }  // namespace endpin::testing

@@ -39,6 +39,9 @@ class PrivateSoundServer {
   // Both return whether they changed what they say.
   bool removeMicrophone();
   bool addMicrophone();
+  // Without the speaker the feed of the microphone is the only output left, and gets what plays.
+  bool removeSpeaker();
+  bool addSpeaker();
 
   const TempDirectory& folder() const { return folder_; }
 
@@ -46,7 +49,9 @@ class PrivateSoundServer {
   std::string socket() const { return folder_.file("socket"); }
   bool control(const std::vector<std::string>& words, std::string* answer = nullptr) const;
   bool answersInTime();
-  bool hasMicrophone() const;
+  bool lists(const char* kind, const std::string& name) const;
+  bool hasMicrophone() const { return lists("sources", "virtmic"); }
+  bool hasSpeaker() const { return lists("sinks", "speaker"); }
 
   // The folder outlives the server that writes into it.
   TempDirectory folder_;
