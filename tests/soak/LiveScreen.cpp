@@ -35,7 +35,13 @@ LiveScreen::LiveScreen(Log& log, std::uint32_t seed) : log_(log), dice_(seed) {
   window_.installLayout("Main_iPhone12Pro");
   beats_.setTimerType(Qt::PreciseTimer);
   QObject::connect(&beats_, &QTimer::timeout, &beats_, [this] { beat(); });
-  beats_.start(10ms);
+  QObject::connect(
+      &window_.window(), &QQuickWindow::frameSwapped, &beats_,
+      [this] {
+        heartbeat_.emplace();
+        beats_.start(10ms);
+      },
+      static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
   QObject::connect(&pressing_, &QTimer::timeout, &pressing_, [this] { press(); });
   pressing_.start(200ms);
 }
@@ -45,7 +51,7 @@ LiveScreen::~LiveScreen() {
 }
 
 void LiveScreen::beat() {
-  heartbeat_.beat();
+  heartbeat_->beat();
   level_ = static_cast<double>(controller_.lastReading().power);
   frequency_ = static_cast<double>(controller_.lastReading().frequency);
   toneWanted_ = controller_.tuningFork().curPlayState == TuningFork::Playing;
@@ -101,10 +107,11 @@ void LiveScreen::closePanel() {
 bool LiveScreen::click(const QString& wanted) {
   QQuickItem* item = findItem(*window_.root(), wanted);
   if (!item) return false;
-  ++presses_;
   // Off the middle: steppers have two halves, and a slider moves.
   const QPointF place =
       item->mapToScene({item->width() * dice_.between(0.1, 0.9), item->height() / 2});
+  if (!window_.window().contentItem()->contains(place)) return false;  // a panel still slides
+  ++presses_;
   QTest::mouseClick(&window_.window(), Qt::LeftButton, {}, place.toPoint());
   return true;
 }

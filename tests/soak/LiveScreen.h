@@ -4,6 +4,7 @@
 
 #include <QTimer>
 #include <atomic>
+#include <optional>
 
 #include "adapters/bundle/FileBundle.h"
 #include "adapters/cubeb/CubebMicrophone.h"
@@ -39,7 +40,8 @@ class LiveScreen {
   [[nodiscard]] double frequency() const { return frequency_; }  // hertz
   [[nodiscard]] bool toneWanted() const { return toneWanted_; }
 
-  [[nodiscard]] const Heartbeat& heartbeat() const { return heartbeat_; }
+  // Watched from the first frame on. After the event loop.
+  [[nodiscard]] const Heartbeat& heartbeat() const { return heartbeat_.value(); }
   [[nodiscard]] std::size_t presses() const { return presses_; }
 
  private:
@@ -67,7 +69,7 @@ class LiveScreen {
   LayoutWindow window_{{.model = *deviceNamed("phone:844")}, controller_, log_};
 
   Dice dice_;
-  Heartbeat heartbeat_;
+  std::optional<Heartbeat> heartbeat_;
   QTimer beats_;
   QTimer pressing_;
   std::size_t presses_ = 0;

@@ -35,6 +35,10 @@ constexpr double kLongestFreeze = 0.1;        // seconds
 constexpr double kListensAgain = 2.0;         // seconds
 constexpr double kTwoBlocks = 8192 / 7019.5;  // seconds: one to begin in, one that is whole
 
+// The toolkit keeps pictures and texts of what it has drawn, more of them in one state of rest than
+// in the next; a leak grows past this in a longer run.
+constexpr double kHeapMarginKib = 4096;
+
 struct Options {
   double minutes = 3;
   std::uint32_t seed = 1;
@@ -105,11 +109,19 @@ class Live {
                  fmt::format("{:.0f} ms, {} over 30 ms", 1000 * longest(machine), machine.size()));
     bounds_.tell("longest gap between beats of the screen",
                  fmt::format("{:.0f} ms, {} over 30 ms", 1000 * longest(screen), screen.size()));
-    const double own = longestOwn(screen, machine);
-    if (kSanitized) {
-      bounds_.tell("longest freeze of the screen's own", fmt::format("{:.0f} ms", 1000 * own));
-    } else {
-      bounds_.atMost("longest freeze of the screen's own", 1000 * own, 1000 * kLongestFreeze, "ms");
+    const auto ownOf = [&](const Stall& stall) { return own(stall, machine); };
+    const auto worst =
+        std::max_element(screen.begin(), screen.end(),
+                         [&](const Stall& a, const Stall& b) { return ownOf(a) < ownOf(b); });
+    if (worst == screen.end()) return;
+    const std::chrono::duration<double> when = worst->begin - begin_;
+    bounds_.tell("the worst of the screen's own",
+                 fmt::format("at {:.1f} s: {:.0f} ms, ran {:.0f}, waited for a processor {:.0f}",
+                             when.count(), 1000 * worst->seconds(), 1000 * worst->times.ran,
+                             1000 * worst->times.waited));
+    if (!kSanitized) {
+      bounds_.atMost("longest freeze of the screen's own", 1000 * ownOf(*worst),
+                     1000 * kLongestFreeze, "ms");
     }
   }
 
@@ -118,7 +130,7 @@ class Live {
       if (times.empty()) return;
       bounds_.atMost(fmt::format("{}: {}, worst of {}", name, what, times.size()),
                      *std::max_element(times.begin(), times.end()), bound, "s");
-      bounds_.tell("", fmt::format("{:.2f} s median", median(times)));
+      bounds_.tell("  median", fmt::format("{:.2f} s", median(times)));
     };
     tell("listens", recovery.level, kListensAgain);
     tell("tells the pitch", recovery.pitch, kListensAgain + kTwoBlocks);
@@ -135,7 +147,7 @@ class Live {
     bounds_.tell("resident more",
                  fmt::format("{:.0f} KiB", after.residentKib - before.residentKib));
     bounds_.tell("heap before", fmt::format("{:.0f} KiB", before.heapKib));
-    bounds_.tell("heap more", fmt::format("{:.0f} KiB", after.heapKib - before.heapKib));
+    bounds_.atMost("heap more", after.heapKib - before.heapKib, kHeapMarginKib, "KiB");
   }
 
   static double median(std::vector<double> times) {
@@ -146,6 +158,7 @@ class Live {
   }
 
   const Options options_;
+  const StallClock::time_point begin_ = StallClock::now();
   testing::PrivateSoundServer server_;
   std::optional<Stagehand> stagehand_;
   std::promise<void> stageMayGo_;

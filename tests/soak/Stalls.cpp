@@ -16,29 +16,31 @@ constexpr auto kShortest = 30ms;
 
 }  // namespace
 
-ProcessorWait::ProcessorWait() : file_(open("/proc/thread-self/schedstat", O_RDONLY | O_CLOEXEC)) {}
+ThreadClock::ThreadClock() : file_(open("/proc/thread-self/schedstat", O_RDONLY | O_CLOEXEC)) {}
 
-ProcessorWait::~ProcessorWait() {
+ThreadClock::~ThreadClock() {
   if (file_ >= 0) close(file_);
 }
 
-// The second number of the file, in nanoseconds. A kernel that does not keep it leaves 0: then the
-// machine is not excused.
-double ProcessorWait::seconds() const {
+// The first two numbers of the file, in nanoseconds. A kernel that does not keep them leaves 0:
+// then the machine is not excused.
+ThreadTimes ThreadClock::now() const {
   char text[96] = {};
   unsigned long long ran = 0;
   unsigned long long waited = 0;
-  if (file_ < 0 || pread(file_, text, sizeof text - 1, 0) <= 0) return 0;
-  if (std::sscanf(text, "%llu %llu", &ran, &waited) != 2) return 0;
-  return static_cast<double>(waited) * 1e-9;
+  if (file_ < 0 || pread(file_, text, sizeof text - 1, 0) <= 0) return {};
+  if (std::sscanf(text, "%llu %llu", &ran, &waited) != 2) return {};
+  return {static_cast<double>(ran) * 1e-9, static_cast<double>(waited) * 1e-9};
 }
 
 void Heartbeat::beat() {
   const auto now = StallClock::now();
-  const double wait = wait_.seconds();
-  if (now - last_ >= kShortest) stalls_.push_back({last_, now, wait - lastWait_});
+  const ThreadTimes times = clock_.now();
+  if (now - last_ >= kShortest) {
+    stalls_.push_back({last_, now, {times.ran - lastTimes_.ran, times.waited - lastTimes_.waited}});
+  }
   last_ = now;
-  lastWait_ = wait;
+  lastTimes_ = times;
   ++beats_;
 }
 
@@ -63,17 +65,13 @@ double longest(const std::vector<Stall>& stalls) {
   return most;
 }
 
-double longestOwn(const std::vector<Stall>& stalls, const std::vector<Stall>& machine) {
-  double most = 0;
-  for (const Stall& stall : stalls) {
-    double witnessed = 0;
-    for (const Stall& other : machine) {
-      const auto shared = std::min(stall.end, other.end) - std::max(stall.begin, other.begin);
-      witnessed += std::max(0.0, std::chrono::duration<double>(shared).count());
-    }
-    most = std::max(most, stall.seconds() - std::max(witnessed, stall.processorWait));
+double own(const Stall& stall, const std::vector<Stall>& machine) {
+  double witnessed = 0;
+  for (const Stall& other : machine) {
+    const auto shared = std::min(stall.end, other.end) - std::max(stall.begin, other.begin);
+    witnessed += std::max(0.0, std::chrono::duration<double>(shared).count());
   }
-  return most;
+  return stall.seconds() - std::max(witnessed, stall.times.waited);
 }
 
 }  // namespace endpin::soak

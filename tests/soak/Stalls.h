@@ -13,13 +13,19 @@ namespace endpin::soak {
 
 using StallClock = std::chrono::steady_clock;
 
-// Seconds that the calling thread has been ready to run and had no processor, since it began.
-class ProcessorWait {
+// What the kernel knows of a thread, in seconds since it began.
+struct ThreadTimes {
+  double ran = 0;
+  double waited = 0;  // ready to run, without a processor
+};
+
+// Asks for the thread that made it.
+class ThreadClock {
  public:
-  ProcessorWait();
-  ~ProcessorWait();
-  ProcessorWait(const ProcessorWait&) = delete;
-  [[nodiscard]] double seconds() const;
+  ThreadClock();
+  ~ThreadClock();
+  ThreadClock(const ThreadClock&) = delete;
+  [[nodiscard]] ThreadTimes now() const;
 
  private:
   int file_;
@@ -28,7 +34,7 @@ class ProcessorWait {
 struct Stall {
   StallClock::time_point begin;
   StallClock::time_point end;
-  double processorWait = 0;  // seconds of it
+  ThreadTimes times;  // of it
   [[nodiscard]] double seconds() const {
     return std::chrono::duration<double>(end - begin).count();
   }
@@ -38,7 +44,7 @@ struct Stall {
 class Heartbeat {
  public:
   // Thread: the one that is watched, from here on.
-  Heartbeat() : last_(StallClock::now()), lastWait_(wait_.seconds()) {}
+  Heartbeat() : last_(StallClock::now()), lastTimes_(clock_.now()) {}
   void beat();
 
   // After the last beat.
@@ -46,9 +52,9 @@ class Heartbeat {
   [[nodiscard]] std::size_t beats() const { return beats_; }
 
  private:
-  const ProcessorWait wait_;
+  const ThreadClock clock_;
   StallClock::time_point last_;
-  double lastWait_;
+  ThreadTimes lastTimes_;
   std::size_t beats_ = 0;
   std::vector<Stall> stalls_;
 };
@@ -73,8 +79,7 @@ class Witness {
 // The longest of the stalls, in seconds.
 [[nodiscard]] double longest(const std::vector<Stall>& stalls);
 
-// The longest that remains of `stalls` without what the machine is to blame for.
-[[nodiscard]] double longestOwn(const std::vector<Stall>& stalls,
-                                const std::vector<Stall>& machine);
+// What remains of a stall without what the machine is to blame for, in seconds.
+[[nodiscard]] double own(const Stall& stall, const std::vector<Stall>& machine);
 
 }  // namespace endpin::soak
