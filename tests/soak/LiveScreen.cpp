@@ -1,5 +1,6 @@
 #include "tests/soak/LiveScreen.h"
 
+#include <QAbstractEventDispatcher>
 #include <QTest>
 
 #include "audio/LumoListener.h"
@@ -32,6 +33,7 @@ MemoryStore& LiveScreen::prepared(MemoryStore& settings) {
 }
 
 LiveScreen::LiveScreen(Log& log, std::uint32_t seed) : log_(log), dice_(seed) {
+  watchIdleness();
   window_.installLayout("Main_iPhone12Pro");
   beats_.setTimerType(Qt::PreciseTimer);
   QObject::connect(&beats_, &QTimer::timeout, &beats_, [this] { beat(); });
@@ -51,10 +53,21 @@ LiveScreen::~LiveScreen() {
 }
 
 void LiveScreen::beat() {
-  heartbeat_->beat();
+  heartbeat_->beat(idle_);
   level_ = static_cast<double>(controller_.lastReading().power);
   frequency_ = static_cast<double>(controller_.lastReading().frequency);
   toneWanted_ = controller_.tuningFork().curPlayState == TuningFork::Playing;
+}
+
+void LiveScreen::watchIdleness() {
+  auto* events = QAbstractEventDispatcher::instance();
+  QObject::connect(events, &QAbstractEventDispatcher::aboutToBlock, &beats_,
+                   [this] { idleSince_ = StallClock::now(); });
+  QObject::connect(events, &QAbstractEventDispatcher::awake, &beats_, [this] {
+    if (!idleSince_) return;
+    idle_ += std::chrono::duration<double>(StallClock::now() - *idleSince_).count();
+    idleSince_.reset();
+  });
 }
 
 void LiveScreen::press() {

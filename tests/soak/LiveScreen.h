@@ -48,6 +48,7 @@ class LiveScreen {
   static MemoryStore& prepared(MemoryStore& settings);
 
   void beat();
+  void watchIdleness();
   void press();
   void wander();
   void playOn();
@@ -70,6 +71,8 @@ class LiveScreen {
 
   Dice dice_;
   std::optional<Heartbeat> heartbeat_;
+  std::optional<StallClock::time_point> idleSince_;
+  double idle_ = 0;  // seconds that the event loop has slept
   QTimer beats_;
   QTimer pressing_;
   std::size_t presses_ = 0;

@@ -115,10 +115,12 @@ class Live {
                          [&](const Stall& a, const Stall& b) { return ownOf(a) < ownOf(b); });
     if (worst == screen.end()) return;
     const std::chrono::duration<double> when = worst->begin - begin_;
-    bounds_.tell("the worst of the screen's own",
-                 fmt::format("at {:.1f} s: {:.0f} ms, ran {:.0f}, waited for a processor {:.0f}",
-                             when.count(), 1000 * worst->seconds(), 1000 * worst->times.ran,
-                             1000 * worst->times.waited));
+    bounds_.tell(
+        "the worst of the screen's own",
+        fmt::format(
+            "at {:.1f} s: {:.0f} ms, ran {:.0f}, waited for a processor {:.0f}, idle {:.0f}",
+            when.count(), 1000 * worst->seconds(), 1000 * worst->times.ran,
+            1000 * worst->times.waited, 1000 * worst->idle));
     if (!kSanitized) {
       bounds_.atMost("longest freeze of the screen's own", 1000 * ownOf(*worst),
                      1000 * kLongestFreeze, "ms");

@@ -33,14 +33,18 @@ ThreadTimes ThreadClock::now() const {
   return {static_cast<double>(ran) * 1e-9, static_cast<double>(waited) * 1e-9};
 }
 
-void Heartbeat::beat() {
+void Heartbeat::beat(double idle) {
   const auto now = StallClock::now();
   const ThreadTimes times = clock_.now();
   if (now - last_ >= kShortest) {
-    stalls_.push_back({last_, now, {times.ran - lastTimes_.ran, times.waited - lastTimes_.waited}});
+    stalls_.push_back({last_,
+                       now,
+                       {times.ran - lastTimes_.ran, times.waited - lastTimes_.waited},
+                       idle - lastIdle_});
   }
   last_ = now;
   lastTimes_ = times;
+  lastIdle_ = idle;
   ++beats_;
 }
 
@@ -71,7 +75,7 @@ double own(const Stall& stall, const std::vector<Stall>& machine) {
     const auto shared = std::min(stall.end, other.end) - std::max(stall.begin, other.begin);
     witnessed += std::max(0.0, std::chrono::duration<double>(shared).count());
   }
-  return stall.seconds() - std::max(witnessed, stall.times.waited);
+  return stall.seconds() - std::max({witnessed, stall.times.waited, stall.idle});
 }
 
 }  // namespace endpin::soak

@@ -35,6 +35,7 @@ struct Stall {
   StallClock::time_point begin;
   StallClock::time_point end;
   ThreadTimes times;  // of it
+  double idle = 0;    // seconds of it with nothing to do, waiting to be woken
   [[nodiscard]] double seconds() const {
     return std::chrono::duration<double>(end - begin).count();
   }
@@ -45,7 +46,9 @@ class Heartbeat {
  public:
   // Thread: the one that is watched, from here on.
   Heartbeat() : last_(StallClock::now()), lastTimes_(clock_.now()) {}
-  void beat();
+  // `idle` are the seconds that the thread has slept for want of work so far: a wake-up that comes
+  // late is the machine's.
+  void beat(double idle = 0);
 
   // After the last beat.
   [[nodiscard]] const std::vector<Stall>& stalls() const { return stalls_; }
@@ -55,6 +58,7 @@ class Heartbeat {
   const ThreadClock clock_;
   StallClock::time_point last_;
   ThreadTimes lastTimes_;
+  double lastIdle_ = 0;
   std::size_t beats_ = 0;
   std::vector<Stall> stalls_;
 };
