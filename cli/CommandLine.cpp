@@ -2,9 +2,9 @@
 
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <charconv>
 
+#include "adapters/cli11/ParseArguments.h"
 #include "cli/ToneArguments.h"
 
 namespace endpin {

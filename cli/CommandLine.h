@@ -7,7 +7,7 @@
 #include <string>
 #include <variant>
 
-#include "adapters/cli11/ParseArguments.h"
+#include "adapters/cli11/PrintText.h"
 #include "calibration/ToneSynthesizer.h"
 
 namespace endpin {

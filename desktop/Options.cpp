@@ -2,11 +2,11 @@
 
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <cmath>
 
+#include "adapters/cli11/ParseArguments.h"
 #include "adapters/sqlite/StorePath.h"
 
 namespace endpin {

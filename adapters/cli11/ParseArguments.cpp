@@ -1,6 +1,5 @@
 #include "adapters/cli11/ParseArguments.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 
 namespace endpin {

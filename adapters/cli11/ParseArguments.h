@@ -1,18 +1,14 @@
 // The arguments of a program, read by CLI11 and reported in our own way.
 #pragma once
 
-#include <CLI/App.hpp>
+#include <CLI/CLI.hpp>
 #include <optional>
 #include <string>
 
+#include "adapters/cli11/PrintText.h"
 #include "adapters/cli11/ProgramError.h"
 
 namespace endpin {
-
-// Help or version: text for standard output, and nothing else to do.
-struct PrintText {
-  std::string text;
-};
 
 // Fills what `app` was told to fill; text when help or the version was asked for. Throws
 // ProgramError with kExitUsage.

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+
+namespace endpin {
+
+// Help or version, or a list that was asked for: text for standard output, and nothing else to do.
+struct PrintText {
+  std::string text;
+};
+
+}  // namespace endpin
