@@ -8,7 +8,7 @@
 namespace endpin {
 namespace {
 
-constexpr double kRearmSeconds = 15.0;
+constexpr double kRearmAfterMatch = 15.0;
 constexpr std::array<const char*, 4> kOrdinals = {"1st", "2nd", "3rd", "4th"};
 
 // Which screens show which variant of the string pictures, and in which view. The lists are the
@@ -82,7 +82,7 @@ void TunedStringFeedback::playSoundOnce(int number) {
   if (beepPlayed_[index(number)]) return;
   if (beepSoundPlayer_) beepSoundPlayer_->play();
   beepPlayed_[index(number)] = true;
-  ports_.runLoop.performAfterDelay(kRearmSeconds, [this] { resetTuningBools(); });
+  ports_.runLoop.performAfterDelay(kRearmAfterMatch, [this] { resetTuningBools(); });
 }
 
 bool TunedStringFeedback::allStringsTuned() const {

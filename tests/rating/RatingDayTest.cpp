@@ -10,9 +10,9 @@ namespace endpin::fakes {
 namespace {
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr int kDay = 2;  // hours: too slow for more, and without mallinfo2
+constexpr int kHours = 2;  // hours: too slow for more, and without mallinfo2
 #else
-constexpr int kDay = 24;
+constexpr int kHours = 24;
 #endif
 constexpr int kTicksPerHour = 36000;
 
@@ -24,7 +24,7 @@ TEST(RatingDay, HoldsNoMoreThanAfterTheFirstHour) {
     bool hasWindow;
     int hours;
     int alerts;
-  } rows[] = {{"never answered", FakeRatingPlatform::kModern, 2, true, kDay, 1},
+  } rows[] = {{"never answered", FakeRatingPlatform::kModern, 2, true, kHours, 1},
               {"offline", FakeRatingPlatform::kModern, 0, true, 2, 0},
               {"no window", FakeRatingPlatform::kModern, 2, false, 2, 4 * kTicksPerHour * 2},
               {"review request", FakeRatingPlatform::kReview, 2, true, 2, 0}};
