@@ -9,7 +9,7 @@ namespace {
 
 constexpr float kOvertoneAbove = 700.0F;  // hertz; above it the last judgement is shown again
 constexpr double kPromptSeconds = 2.0;
-constexpr double kRearmAfterSilence = 4.0;
+constexpr double kRearmAfterMiss = 4.0;
 
 std::string hertzText(double frequency) {
   return fmt::format("{:.1f}Hz", frequency);
@@ -75,7 +75,7 @@ void DetectionTick::showNoString(float frequency) {
   }
   if (!feedback_.allStringsTuned()) return;
   runLoop_.performAfterDelay(kPromptSeconds, promptToReview_);
-  runLoop_.performAfterDelay(kRearmAfterSilence, [this] { feedback_.resetTuningBools(); });
+  runLoop_.performAfterDelay(kRearmAfterMiss, [this] { feedback_.resetTuningBools(); });
 }
 
 }  // namespace endpin

@@ -96,12 +96,11 @@ TEST(DeviceList, HasOneDeviceForEveryHeightThatHasALayout) {
 }
 
 TEST(DeviceList, SmallScreensGetTheNearestLayout) {
-  struct Row {
+  const struct {
     double width, height;
     bool touch;
     const char* device;  // empty: a desktop
-  };
-  const Row rows[] = {
+  } rows[] = {
       {390, 844, true, "phone:844"},
       {360, 720, true, "phone:812"},
       {320, 480, false, "phone:480"},
