@@ -116,7 +116,7 @@ TEST(DeviceList, SmallScreensGetTheNearestLayout) {
       {768, 1024, false, ""},
       {0, 0, true, ""},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     const auto model = deviceForScreen(row.width, row.height, row.touch);
     EXPECT_EQ(model ? nameOf(*model) : "", row.device) << row.width << " x " << row.height;
   }
