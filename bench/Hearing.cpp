@@ -56,11 +56,10 @@ CelloNote noteOf(int string) {
   return {.midiNote = kCelloStrings[string].midiNote, .frequency = kCelloStrings[string].frequency};
 }
 
-// Two first-order high passes at 300 Hz and a floor of noise: the microphone of a telephone, held
-// at some distance.
-Sound throughSmallMicrophone(Sound sound) {
-  constexpr double kCorner = 300;  // hertz
-  const double keep = std::exp(-2 * std::numbers::pi * kCorner / sound.rate);
+// Two first-order high passes and a floor of noise: the microphone of a telephone, at some
+// distance.
+Sound throughSmallMicrophone(Sound sound, double cornerInHz) {
+  const double keep = std::exp(-2 * std::numbers::pi * cornerInHz / sound.rate);
   for (int pass = 0; pass < 2; ++pass) {
     double low = 0;
     for (float& sample : sound.samples) {
@@ -83,7 +82,7 @@ void printRow(const char* name, const std::function<Heard(int string)>& measure)
   for (int string = 0; string < 4; ++string) {
     const Heard heard = measure(string);
     std::printf(" %.0f %%%s%s |", 100 * heard.share,
-                heard.green && heard.share == 0 ? ", green at the edges" : "",
+                heard.green && heard.share == 0 ? ", green at an end" : "",
                 heard.another ? ", **another string**" : "");
     std::fflush(stdout);
   }
@@ -112,10 +111,12 @@ void printAll() {
     const CelloNote note = noteOf(string);
     return hear(string, sampledCello(note), note.seconds);
   });
-  printRow("bowed, small microphone", [](int string) {
-    const CelloNote note = noteOf(string);
-    return hear(string, throughSmallMicrophone(sampledCello(note)), note.seconds);
-  });
+  for (const int corner : {50, 100, 150, 200, 300}) {
+    printRow(("bowed, no bass below " + std::to_string(corner) + " Hz").c_str(), [&](int string) {
+      const CelloNote note = noteOf(string);
+      return hear(string, throughSmallMicrophone(sampledCello(note), corner), note.seconds);
+    });
+  }
   printRow("plucked, from 1.2 to 2.5 s", [](int string) {
     CelloNote note = noteOf(string);
     note.plucked = true;
