@@ -72,6 +72,8 @@ std::unique_ptr<QGuiApplication> startGui(char** arguments, const Options& optio
   // Layouts are compiled anew at each start, some 20 ms: a cache in the user's folder would be
   // slower at the first start, and could be that of another version at the next.
   qputenv("QML_DISABLE_DISK_CACHE", "1");
+  // Nothing is typed here. On Wayland the usual input method takes a seat for granted and crashes.
+  qputenv("QT_IM_MODULE", "none");
   QCoreApplication::setApplicationName(QStringLiteral("endpin"));
   QGuiApplication::setApplicationDisplayName(QStringLiteral("Endpin"));
   QGuiApplication::setDesktopFileName(QStringLiteral("io.endpin.Endpin"));

@@ -40,6 +40,15 @@ struct DesktopTest : ::testing::Test {
     words.insert(words.end(), {"--screenshot", folder.file("screen.png"), "--after", after});
     return run(words);
   }
+  // Whether a program has written this within some time.
+  static bool says(testing::ChildProcess& child, const char* words) {
+    const auto deadline = std::chrono::steady_clock::now() + 20s;
+    while (child.errors().find(words) == std::string::npos) {
+      if (!child.running() || std::chrono::steady_clock::now() > deadline) return false;
+      std::this_thread::sleep_for(10ms);
+    }
+    return true;
+  }
   QImage screen() const { return QImage(QString::fromStdString(folder.file("screen.png"))); }
 };
 
@@ -135,14 +144,23 @@ TEST_F(DesktopTest, EndsInOrderWhenAsked) {
   environment["QT_QPA_PLATFORM"] = "offscreen";
   for (const int number : {SIGTERM, SIGINT}) {
     testing::ChildProcess child({ENDPIN, "--verbose"}, environment);
-    const auto deadline = std::chrono::steady_clock::now() + 20s;
-    while (child.errors().find("Sound detection started") == std::string::npos &&
-           std::chrono::steady_clock::now() < deadline) {
-      std::this_thread::sleep_for(10ms);
-    }
+    EXPECT_TRUE(says(child, "Sound detection started"));
     child.signal(number);
     EXPECT_EQ(child.waitFor(5s), 0) << child.errors();
   }
+}
+
+// A compositor without a seat: there is nothing to point or type with.
+TEST_F(DesktopTest, ShowsItselfOnWaylandWithoutAnyInput) {
+  testing::ChildProcess compositor({"weston", "--backend=headless-backend.so", "--socket=test"},
+                                   environment);
+  if (!says(compositor, "weston-desktop-shell")) GTEST_SKIP() << "weston does not start";
+  environment["WAYLAND_DISPLAY"] = "test";
+  environment["QT_QPA_PLATFORM"] = "wayland";
+  testing::ChildProcess child({ENDPIN, "--verbose"}, environment);
+  EXPECT_TRUE(says(child, "First frame")) << child.errors();
+  child.signal(SIGTERM);
+  EXPECT_EQ(child.waitFor(5s), 0) << child.errors();
 }
 
 TEST_F(DesktopTest, WritesNumbersWithAPointInALocaleWithAComma) {
