@@ -1,4 +1,5 @@
-// The screen stays lit: what the desktop's screen saver is told, on a session bus of the test's own.
+// The screen stays lit: what the desktop's screen saver is told, on a session bus of the test's
+// own.
 #include "adapters/qt/IdleInhibitor.h"
 
 #include <gtest/gtest.h>

@@ -115,7 +115,14 @@ class SoundServer : public ::testing::Test {
     std::this_thread::sleep_for(200ms);
     auto player = server_.playIntoMicrophone(server_.folder().file("tone.wav"));
     EXPECT_EQ(player.waitFor(10s), 0) << player.errors();
-    return PrivateSoundServer::recorded(recording);
+    // The end of it is still on its way: until a fifth of a second of silence has followed.
+    Sound all = PrivateSoundServer::recorded(recording);
+    for (int waits = 0; waits < 50 && rms(slice(all, all.seconds() - 0.2, all.seconds())) > 0.0;
+         ++waits) {
+      std::this_thread::sleep_for(100ms);
+      all = PrivateSoundServer::recorded(recording);
+    }
+    return all;
   }
   PrivateSoundServer server_;
 };
