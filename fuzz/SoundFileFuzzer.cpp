@@ -24,17 +24,6 @@ namespace {
 constexpr double kMostSeconds = 5;                 // of listening
 constexpr std::uint64_t kMostSamples = 1U << 20U;  // of reading
 
-constexpr AudioStreamFormat kFormat = {
-    .mSampleRate = kCaptureRate,
-    .mFormatID = kAudioFormatLinearPCM,
-    .mFormatFlags = kAudioFormatFlagIsSignedInteger | kAudioFormatFlagIsPacked,
-    .mBytesPerPacket = 2,
-    .mFramesPerPacket = 1,
-    .mBytesPerFrame = 2,
-    .mChannelsPerFrame = 1,
-    .mBitsPerChannel = 16,
-    .mReserved = 0};
-
 void readThrough(const std::string& path) {
   SoundFile file(path);
   require(file.rateDoubled() > 0, "time passes in a sound");
@@ -61,7 +50,7 @@ void listenThrough(const std::string& path) {
   VirtualRunLoop loop;
   FileMicrophone microphone(sound, loop);
   std::size_t blocks = 0;
-  const auto queue = microphone.newInput(kFormat, heard, &blocks);
+  const auto queue = microphone.newInput(kCaptureFormat, heard, &blocks);
   for (int i = 0; i < 3; ++i) {
     AudioInputBuffer* buffer = nullptr;
     queue->allocateBuffer(kBlockBytes, &buffer);

@@ -13,6 +13,17 @@ inline constexpr std::uint64_t kCaptureRateDoubled = 14039;  // samples in two s
 inline constexpr std::size_t kBlockSamples = 4096;           // of one buffer, about 0.58 s
 inline constexpr std::size_t kBlockBytes = kBlockSamples * sizeof(std::int16_t);
 
+inline constexpr AudioStreamFormat kCaptureFormat = {
+    .mSampleRate = kCaptureRate,
+    .mFormatID = kAudioFormatLinearPCM,
+    .mFormatFlags = kAudioFormatFlagIsSignedInteger | kAudioFormatFlagIsPacked,
+    .mBytesPerPacket = 2,
+    .mFramesPerPacket = 1,
+    .mBytesPerFrame = 2,
+    .mChannelsPerFrame = 1,
+    .mBitsPerChannel = 16,
+    .mReserved = 0};
+
 // Whether `format` is the one that the microphones deliver; they convert to no other.
 [[nodiscard]] constexpr bool isCaptureFormat(const AudioStreamFormat& format) {
   return format.mSampleRate == kCaptureRate && format.mFormatID == kAudioFormatLinearPCM &&

@@ -11,17 +11,6 @@
 namespace endpin {
 namespace {
 
-constexpr AudioStreamFormat kFormat = {
-    .mSampleRate = 7019.5,
-    .mFormatID = kAudioFormatLinearPCM,
-    .mFormatFlags = kAudioFormatFlagIsSignedInteger | kAudioFormatFlagIsPacked,
-    .mBytesPerPacket = 2,
-    .mFramesPerPacket = 1,
-    .mBytesPerFrame = 2,
-    .mChannelsPerFrame = 1,
-    .mBitsPerChannel = 16,
-    .mReserved = 0};
-
 struct FileMicrophoneTest : ::testing::Test {
   testing::TempDirectory folder;
   VirtualRunLoop loop;
@@ -48,7 +37,7 @@ struct FileMicrophoneTest : ::testing::Test {
   void listenTo(const std::string& name) {
     sound.emplace(SoundFile(folder.file(name)));
     microphone = std::make_unique<FileMicrophone>(*sound, loop);
-    queue = microphone->newInput(kFormat, heard, this);
+    queue = microphone->newInput(kCaptureFormat, heard, this);
     for (int i = 0; i < 3; ++i) {
       AudioInputBuffer* buffer = nullptr;
       queue->allocateBuffer(8192, &buffer);
@@ -144,9 +133,9 @@ TEST_F(FileMicrophoneTest, TimePassesWhileItIsStopped) {
 
 TEST_F(FileMicrophoneTest, OtherFormatsAreRefused) {
   open(10);
-  AudioStreamFormat stereo = kFormat;
+  AudioStreamFormat stereo = kCaptureFormat;
   stereo.mChannelsPerFrame = 2;
-  AudioStreamFormat faster = kFormat;
+  AudioStreamFormat faster = kCaptureFormat;
   faster.mSampleRate = 8000;
   EXPECT_EQ(microphone->newInput(stereo, heard, this), nullptr);
   EXPECT_EQ(microphone->newInput(faster, heard, this), nullptr);
