@@ -1,25 +1,14 @@
 #include <chrono>
 
-#include "adapters/cli11/ProgramError.h"
+#include "adapters/cli11/InputFile.h"
 #include "adapters/offline/FileMicrophone.h"
 #include "cli/ListenCommand.h"
 #include "cli/TickPrinter.h"
 
 namespace endpin {
-namespace {
-
-CapturedSound openSound(const std::string& path) {
-  try {
-    return CapturedSound(SoundFile(path));
-  } catch (const SoundFileError& error) {
-    throw ProgramError(kExitUsage, error.what());
-  }
-}
-
-}  // namespace
 
 void listenToFile(const ListenContext& context, const std::string& path, bool realtime) {
-  CapturedSound sound = openSound(path);
+  CapturedSound sound = openInputFile(path);
   VirtualRunLoop runLoop;
   FileMicrophone microphone(sound, runLoop);
   Session session({microphone, runLoop, context.log, context.options.a4});

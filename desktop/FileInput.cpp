@@ -1,6 +1,6 @@
 #include "desktop/FileInput.h"
 
-#include "adapters/cli11/ProgramError.h"
+#include "adapters/cli11/InputFile.h"
 
 namespace endpin {
 namespace {
@@ -8,18 +8,10 @@ namespace {
 // How far the captured sound may lag behind: a fifth of a tick.
 constexpr double kStepSeconds = 0.02;
 
-CapturedSound openSound(const std::string& path) {
-  try {
-    return CapturedSound(SoundFile(path));
-  } catch (const SoundFileError& error) {
-    throw ProgramError(kExitUsage, error.what());
-  }
-}
-
 }  // namespace
 
 FileInput::FileInput(const std::string& path)
-    : sound_(openSound(path)), microphone_(sound_, clock_) {}
+    : sound_(openInputFile(path)), microphone_(sound_, clock_) {}
 
 void FileInput::follow(RunLoop& runLoop) {
   begin_ = std::chrono::steady_clock::now();

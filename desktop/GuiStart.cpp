@@ -11,7 +11,6 @@
 #include <optional>
 
 #include "adapters/posix/MutedStandardError.h"
-#include "desktop/DefaultTexts.h"
 
 namespace endpin {
 namespace {
@@ -62,6 +61,16 @@ Presentation choosePresentation(const Options& options) {
   return screenIsDevice ? Presentation::Screen : Presentation::Window;
 }
 
+// For titles and spoken names that only the layouts know.
+QVariantMap defaultTexts(const FileBundle& bundle) {
+  QVariantMap texts;
+  for (const std::string& key : bundle.defaultKeys()) {
+    texts.insert(QString::fromStdString(key),
+                 QString::fromStdString(bundle.localizedString(key, "", "")));
+  }
+  return texts;
+}
+
 }  // namespace
 
 std::unique_ptr<QGuiApplication> startGui(char** arguments, const Options& options, Log& log) {
@@ -94,7 +103,7 @@ DeviceModel chooseDevice(const Options& options) {
 }
 
 LayoutWindow::Setup setUpWindow(const Options& options, const DeviceModel& model,
-                                const Bundle& bundle) {
+                                const FileBundle& bundle) {
   return {.model = model,
           .presentation = choosePresentation(options),
           .texts = defaultTexts(bundle),

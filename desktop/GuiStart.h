@@ -4,9 +4,9 @@
 #include <QGuiApplication>
 #include <memory>
 
+#include "adapters/bundle/FileBundle.h"
 #include "adapters/qt/LayoutWindow.h"
 #include "desktop/Options.h"
-#include "ports/Bundle.h"
 #include "ports/Log.h"
 #include "ports/RunLoop.h"
 
@@ -23,7 +23,7 @@ namespace endpin {
 
 // How the window is to look. After startGui.
 [[nodiscard]] LayoutWindow::Setup setUpWindow(const Options& options, const DeviceModel& model,
-                                              const Bundle& bundle);
+                                              const FileBundle& bundle);
 
 // Says in `log` when the first frame is on the screen. Both outlive the event loop.
 void logFirstFrame(LayoutWindow& window, Log& log);

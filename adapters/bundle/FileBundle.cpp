@@ -41,6 +41,15 @@ std::string FileBundle::localizedString(std::string_view key, std::string_view v
   return std::string(value.empty() ? key : value);
 }
 
+std::vector<std::string> FileBundle::defaultKeys() const {
+  const std::lock_guard lock(mutex_);
+  std::vector<std::string> keys;
+  for (const auto& [key, text] : texts(kDefaultTable, std::string(kDefaultLanguage))) {
+    keys.push_back(key);
+  }
+  return keys;
+}
+
 const FileBundle::Texts& FileBundle::texts(std::string_view table,
                                            const std::string& language) const {
   const std::string name = std::string(table) + '/' + language;

@@ -31,6 +31,9 @@ class FileBundle : public Bundle {
   [[nodiscard]] std::string localizedString(std::string_view key, std::string_view value,
                                             std::string_view table) const override;
 
+  // The keys of the default table in English, which has them all; none when it cannot be read.
+  [[nodiscard]] std::vector<std::string> defaultKeys() const;
+
   // "CFBundleVersion", "CFBundleDisplayName" and "CFBundleName". The names are not translated.
   [[nodiscard]] std::optional<std::string> infoValue(std::string_view key) const override;
   [[nodiscard]] std::optional<std::string> localizedInfoValue(std::string_view key) const override;

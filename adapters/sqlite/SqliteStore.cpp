@@ -11,25 +11,7 @@ SqliteStore::~SqliteStore() {
   synchronize();
 }
 
-std::int64_t SqliteStore::integerForKey(std::string_view key) const {
-  return asInteger(valueFor(key).value_or(std::int64_t{0}));
-}
-
-bool SqliteStore::boolForKey(std::string_view key) const {
-  return asBool(valueFor(key).value_or(false));
-}
-
-double SqliteStore::doubleForKey(std::string_view key) const {
-  return asDouble(valueFor(key).value_or(0.0));
-}
-
-std::optional<std::string> SqliteStore::stringForKey(std::string_view key) const {
-  const auto value = valueFor(key);
-  if (!value) return {};
-  return asString(*value);
-}
-
-std::optional<SettingValue> SqliteStore::valueFor(std::string_view key) const {
+std::optional<SettingValue> SqliteStore::find(std::string_view key) const {
   const std::lock_guard lock(valuesMutex_);
   const auto found = values_.find(key);
   if (found == values_.end()) return {};

@@ -8,12 +8,12 @@
 #include <mutex>
 #include <set>
 
+#include "adapters/settings/TypedStore.h"
 #include "adapters/sqlite/SettingsFile.h"
-#include "ports/SettingsStore.h"
 
 namespace endpin {
 
-class SqliteStore final : public SettingsStore {
+class SqliteStore final : public TypedStore {
  public:
   // Reads the file at `path`. Whatever is wrong with it is one line in `log`, which outlives the
   // store, and the store goes on in memory.
@@ -21,25 +21,14 @@ class SqliteStore final : public SettingsStore {
   // Writes what has not been synchronized.
   ~SqliteStore() override;
 
-  [[nodiscard]] std::int64_t integerForKey(std::string_view key) const override;
-  [[nodiscard]] bool boolForKey(std::string_view key) const override;
-  [[nodiscard]] double doubleForKey(std::string_view key) const override;
-  [[nodiscard]] std::optional<std::string> stringForKey(std::string_view key) const override;
-
-  void setInteger(std::string_view key, std::int64_t value) override { set(key, value); }
-  void setBool(std::string_view key, bool value) override { set(key, value); }
-  void setDouble(std::string_view key, double value) override { set(key, value); }
-  void setString(std::string_view key, std::string_view value) override {
-    set(key, std::string(value));
-  }
   // The file is emptied together with what is written after it, by one transaction of the next
   // synchronize: no end of the process leaves it half done.
   void removeAll() override;
   void synchronize() override;
 
  private:
-  [[nodiscard]] std::optional<SettingValue> valueFor(std::string_view key) const;
-  void set(std::string_view key, SettingValue value);
+  [[nodiscard]] std::optional<SettingValue> find(std::string_view key) const override;
+  void set(std::string_view key, SettingValue value) override;
   SettingChanges takePending();
   void putBack(const SettingChanges& changes);
 
