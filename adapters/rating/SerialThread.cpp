@@ -11,8 +11,9 @@ namespace {
 // Behind the screen and the sound, yet never starved: who waits for a lock that it holds does not
 // wait for long. On Linux each thread has a niceness of its own.
 void stepBack() {
-  constexpr int kNiceness = 10;
-  setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), kNiceness);
+  constexpr int kNicer = 10;  // than the process, whose niceness the thread has so far
+  const auto thread = static_cast<id_t>(gettid());
+  setpriority(PRIO_PROCESS, thread, getpriority(PRIO_PROCESS, thread) + kNicer);
 }
 
 }  // namespace
