@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "adapters/cli11/PrintText.h"
+#include "adapters/cli11/ProgramError.h"
 #include "fuzz/Fuzzing.h"
 
 namespace endpin::fuzzing {
@@ -34,5 +36,21 @@ class Arguments {
   std::vector<std::string> texts_;
   std::vector<const char*> values_;
 };
+
+inline void check(const PrintText& text) {
+  require(!text.text.empty() && text.text.back() == '\n', "what is printed is whole lines");
+}
+
+// What `parse` makes of the arguments, it checks itself; what it rejects, it rejects in one line
+// and with exit code 2.
+template <class Parse>
+void parseOrReject(const Arguments& arguments, Parse parse) {
+  try {
+    parse(arguments.count(), arguments.values());
+  } catch (const ProgramError& error) {
+    require(error.exitCode() == kExitUsage, "wrong arguments are wrong usage");
+    require(isOneLine(error.what()), "a complaint is one line", error.what());
+  }
+}
 
 }  // namespace endpin::fuzzing

@@ -1,7 +1,6 @@
 // Any arguments for the terminal's program: a command, or one line and exit code 2.
 //
 // An input is the arguments, with a zero byte between two of them.
-#include "adapters/cli11/ProgramError.h"
 #include "cli/CommandLine.h"
 #include "fuzz/Arguments.h"
 
@@ -21,9 +20,6 @@ void check(const ToneOptions& options) {
   require(options.string < 4 && !options.output.empty(), "a tone is of a string, into a file");
   require(options.frames >= 1 && options.frames <= 3600U * 44100U, "a tone has a length");
 }
-void check(const PrintText& text) {
-  require(!text.text.empty() && text.text.back() == '\n', "what is printed is whole lines");
-}
 
 }  // namespace
 }  // namespace endpin::fuzzing
@@ -31,13 +27,8 @@ void check(const PrintText& text) {
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace endpin;
   using namespace endpin::fuzzing;
-  const Arguments arguments("endpin-cli", data, size);
-  try {
-    std::visit([](const auto& command) { check(command); },
-               parseCommandLine(arguments.count(), arguments.values()));
-  } catch (const ProgramError& error) {
-    require(error.exitCode() == kExitUsage, "wrong arguments are wrong usage");
-    require(isOneLine(error.what()), "a complaint is one line");
-  }
+  parseOrReject(Arguments("endpin-cli", data, size), [](int count, const char* const* values) {
+    std::visit([](const auto& asked) { check(asked); }, parseCommandLine(count, values));
+  });
   return 0;
 }

@@ -4,7 +4,6 @@
 #include <filesystem>
 
 #include "adapters/bundle/FileBundle.h"
-#include "adapters/cli11/ProgramError.h"
 #include "desktop/Language.h"
 #include "desktop/Options.h"
 #include "fuzz/Arguments.h"
@@ -12,9 +11,6 @@
 namespace endpin::fuzzing {
 namespace {
 
-void check(const PrintText& text) {
-  require(!text.text.empty() && text.text.back() == '\n', "what is printed is whole lines");
-}
 void check(const Options& options) {
   require(options.after >= 0 && options.after <= 86400, "a screenshot comes within a day");
   require(!options.store.empty(), "the settings have a place");
@@ -29,13 +25,8 @@ void check(const Options& options) {
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace endpin;
   using namespace endpin::fuzzing;
-  const Arguments arguments("endpin", data, size);
-  try {
-    std::visit([](const auto& asked) { check(asked); },
-               parseOptions(arguments.count(), arguments.values()));
-  } catch (const ProgramError& error) {
-    require(error.exitCode() == kExitUsage, "wrong arguments are wrong usage");
-    require(isOneLine(error.what()), "a complaint is one line", error.what());
-  }
+  parseOrReject(Arguments("endpin", data, size), [](int count, const char* const* values) {
+    std::visit([](const auto& asked) { check(asked); }, parseOptions(count, values));
+  });
   return 0;
 }
