@@ -1,4 +1,4 @@
-// The four open strings in equal temperament, from the pitch of A4.
+// The four open strings in equal temperament, from the pitch of A4. Thread: any.
 #pragma once
 
 #include <array>

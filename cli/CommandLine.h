@@ -1,4 +1,4 @@
-// What the user asked for. parseCommandLine() turns the arguments into one of these.
+// What the user asked for. parseCommandLine() turns the arguments into one of these. Thread: main.
 #pragma once
 
 #include <cstddef>

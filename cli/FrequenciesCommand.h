@@ -1,5 +1,5 @@
 // `frequencies`: the strings' references, their in-tune bands, and the bins of the spectrum that
-// lie inside. A string without a bin can never light the lamp at that calibration.
+// lie inside. A string without a bin can never light the lamp at that calibration. Thread: main.
 #pragma once
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-// `listen`: the tuner at work, on the microphone or on a sound file.
+// `listen`: the tuner at work, on the microphone or on a sound file. Thread: main.
 #pragma once
 
 #include <string>

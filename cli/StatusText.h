@@ -1,4 +1,4 @@
-// A tick in words of fixed width.
+// A tick in words of fixed width. Thread: main.
 #pragma once
 
 #include <string>

@@ -1,4 +1,4 @@
-// The arguments of `tone`, as typed and as meant.
+// The arguments of `tone`, as typed and as meant. Thread: main.
 #pragma once
 
 #include <string>

@@ -1,4 +1,5 @@
 // `tone`: a reference tone as a sound file, sample by sample what the tuning fork plays.
+// Thread: main.
 #pragma once
 
 #include "cli/CommandLine.h"

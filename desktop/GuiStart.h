@@ -1,4 +1,4 @@
-// Brings the graphical side up, or says in one line why it cannot be.
+// Brings the graphical side up, or says in one line why it cannot be. Thread: main.
 #pragma once
 
 #include <QGuiApplication>

@@ -1,4 +1,4 @@
-// Which language the application speaks.
+// Which language the application speaks. Thread: main.
 #pragma once
 
 #include <string>

@@ -1,4 +1,4 @@
-// What the user asked for on the command line.
+// What the user asked for on the command line. Thread: main.
 #pragma once
 
 #include <filesystem>

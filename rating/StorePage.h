@@ -1,4 +1,4 @@
-// The address of the application's page in the store.
+// The address of the application's page in the store. Thread: any.
 #pragma once
 
 #include <string>

@@ -1,5 +1,6 @@
 // Which open string, if any, a frequency is in tune with: all or nothing, no nearest string.
 // Pure functions and tables; the detection tick and the terminal's frequency table call them.
+// Thread: any.
 #pragma once
 
 #include <array>

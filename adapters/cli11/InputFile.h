@@ -1,4 +1,4 @@
-// The sound file that the user named as the microphone.
+// The sound file that the user named as the microphone. Thread: main.
 #pragma once
 
 #include <string>

@@ -1,4 +1,4 @@
-// The arguments of a program, read by CLI11 and reported in our own way.
+// The arguments of a program, read by CLI11 and reported in our own way. Thread: main.
 #pragma once
 
 #include <CLI/CLI.hpp>

@@ -1,4 +1,4 @@
-// Waits for descriptors and the clock together.
+// Waits for descriptors and the clock together. Thread: any.
 #pragma once
 
 #include <chrono>

@@ -1,5 +1,5 @@
 // An application whose resources lie in one bundle: the texts of the alert are in the main one, in
-// a table of their own.
+// a table of their own. Thread: main.
 #pragma once
 
 #include "ports/ResourceBundles.h"

@@ -1,4 +1,5 @@
 // A typed value of the settings and how it reads as another type. Shared by the stores.
+// Thread: any.
 #pragma once
 
 #include <fmt/format.h>

@@ -1,4 +1,4 @@
-// Reads what libsndfile reads, averaging the channels.
+// Reads what libsndfile reads, averaging the channels. Thread: one at a time.
 #pragma once
 
 #include <sndfile.h>

@@ -1,4 +1,5 @@
 // Reads headerless samples: signed 16 bits, little-endian, mono, at the capture rate.
+// Thread: one at a time.
 #pragma once
 
 #include <cstdio>

@@ -1,4 +1,4 @@
-// A way of reading a sound file. Used by SoundFile alone.
+// A way of reading a sound file. Used by SoundFile alone. Thread: one at a time.
 #pragma once
 
 #include <cstddef>
