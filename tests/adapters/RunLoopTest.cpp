@@ -1,11 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <csignal>
+#include <numeric>
 #include <stdexcept>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include "adapters/offline/VirtualRunLoop.h"
 #include "adapters/posix/MainRunLoop.h"
@@ -34,40 +32,23 @@ TEST(VirtualRunLoop, FiresInOrderOfDueTimeAndThenOfAsking) {
   EXPECT_EQ(loop.now(), 1.0);
 }
 
-TEST(VirtualRunLoop, AThousandStepsOfATenthAreAThousandTicks) {
-  VirtualRunLoop loop;
-  int ticks = 0;
-  double last = 0;
-  loop.scheduleTimer(0.1, [&] {
-    ++ticks;
-    last = loop.now();
-  });
-  for (int step = 1; step <= 1000; ++step) {
-    loop.advance(0.1);
-    ASSERT_EQ(ticks, step);
-  }
-  EXPECT_NEAR(last, 1000 * 0.1, 1e-9);
-}
-
-TEST(VirtualRunLoop, TimersKeepToMultiplesOfTheirInterval) {
+TEST(VirtualRunLoop, TimersKeepToMultiplesOfTheirIntervalInStepsAndForHours) {
   VirtualRunLoop loop;
   std::vector<double> times;
   loop.scheduleTimer(0.1, [&] { times.push_back(loop.now()); });
+  for (std::size_t step = 1; step <= 1000; ++step) {
+    loop.advance(0.1);
+    ASSERT_EQ(times.size(), step);
+  }
   loop.runUntil(36000);
   ASSERT_EQ(times.size(), 360000U);
   for (std::size_t n = 1; n <= times.size(); ++n) {
-    ASSERT_EQ(times[n - 1], static_cast<double>(n) * 0.1);
+    ASSERT_NEAR(times[n - 1], static_cast<double>(n) * 0.1, n <= 1000 ? 1e-9 : 0.0);
   }
 }
 
-// Milliseconds of steady time that pass while `body` runs.
-template <class Body>
-double milliseconds(Body body) {
-  const auto begin = Clock::now();
-  body();
-  return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
-}
-
+// On a busy machine a call comes late, never early. Two calls are missed: one comes late, the other
+// never.
 TEST(MainRunLoop, ALateTimerSkipsWhatItMissedAndKeepsItsPhase) {
   MainRunLoop loop;
   const auto begin = Clock::now();
@@ -79,8 +60,6 @@ TEST(MainRunLoop, ALateTimerSkipsWhatItMissedAndKeepsItsPhase) {
   });
   loop.run();
   ASSERT_EQ(times.size(), 4U);
-  // On a busy machine a call comes late, never early. Two calls were missed: one comes late, the
-  // other never.
   EXPECT_GE(times[0], 1.0);
   EXPECT_GE(times[1], 2.0);
   EXPECT_GE(times[2], 4.6);
@@ -90,18 +69,19 @@ TEST(MainRunLoop, ALateTimerSkipsWhatItMissedAndKeepsItsPhase) {
 TEST(MainRunLoop, CallsFromOtherThreadsWakeItAndComeInOrder) {
   MainRunLoop loop;
   std::vector<int> calls;
+  std::vector<int> expected(100);
+  std::iota(expected.begin(), expected.end(), 0);
   std::thread other;
   loop.dispatchAsync([&] {
     other = std::thread([&] {
       std::this_thread::sleep_for(20ms);
-      for (int i = 0; i < 100; ++i) loop.dispatchAsync([&calls, i] { calls.push_back(i); });
+      for (const int i : expected) loop.dispatchAsync([&calls, i] { calls.push_back(i); });
       loop.dispatchAsync([&] { loop.stop(); });
     });
   });
   loop.run();
   other.join();
-  ASSERT_EQ(calls.size(), 100U);
-  for (int i = 0; i < 100; ++i) EXPECT_EQ(calls[static_cast<std::size_t>(i)], i);
+  EXPECT_EQ(calls, expected);
 }
 
 TEST(MainRunLoop, ASignalEndsItAndAnErrorPassesThrough) {
@@ -112,11 +92,13 @@ TEST(MainRunLoop, ASignalEndsItAndAnErrorPassesThrough) {
   const StopSignal stop;
   EXPECT_FALSE(stop.raised());
   EXPECT_FALSE(stop.waitUntil(Clock::now() + 5ms));
+  const auto begin = Clock::now();
   loop.performAfterDelay(0.02, [] { std::raise(SIGTERM); });
   loop.performAfterDelay(30, [] { FAIL() << "the signal was not seen"; });
-  EXPECT_LT(milliseconds([&] { loop.run(stop.descriptor()); }), 20000);
+  loop.run(stop.descriptor());
   EXPECT_TRUE(stop.raised());
-  EXPECT_LT(milliseconds([&] { EXPECT_TRUE(stop.waitUntil(Clock::now() + 30s)); }), 20000);
+  EXPECT_TRUE(stop.waitUntil(Clock::now() + 30s));
+  EXPECT_LT(Clock::now() - begin, 20s);
 }
 
 }  // namespace

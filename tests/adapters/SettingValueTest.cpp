@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 
 #include "adapters/offline/MemoryStore.h"
 
@@ -14,25 +13,20 @@ constexpr auto kMost = std::numeric_limits<std::int64_t>::max();
 constexpr auto kLeast = std::numeric_limits<std::int64_t>::min();
 
 TEST(SettingValue, EachTypeReadsAsEachOther) {
-  struct Row {
+  const struct {
     SettingValue stored;
     std::int64_t integer;
     bool yes;
     double number;
     const char* text;
-  };
-  const Row rows[] = {
+  } rows[] = {
       {true, 1, true, 1.0, "1"},
       {false, 0, false, 0.0, "0"},
-      {std::int64_t{440}, 440, true, 440.0, "440"},
-      {std::int64_t{0}, 0, false, 0.0, "0"},
       {kLeast, kLeast, true, -0x1p63, "-9223372036854775808"},
-      {4.9, 4, true, 4.9, "4.9"},
       {-4.9, -4, true, -4.9, "-4.9"},
       {0.25, 0, true, 0.25, "0.25"},
-      {1e300, kMost, true, 1e300, "1e+300"},
+      {0x1p63, kMost, true, 0x1p63, "9.223372036854776e+18"},
       {-1e300, kLeast, true, -1e300, "-1e+300"},
-      {std::string("415"), 415, true, 415.0, "415"},
       {std::string(" +7.75 Hz"), 7, true, 7.75, " +7.75 Hz"},
       {std::string("-3"), -3, true, -3.0, "-3"},
       {std::string("YES"), 0, true, 0.0, "YES"},
@@ -41,7 +35,7 @@ TEST(SettingValue, EachTypeReadsAsEachOther) {
       {std::string(""), 0, false, 0.0, ""},
       {std::string("99999999999999999999"), kMost, true, 1e20, "99999999999999999999"},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.text);
     EXPECT_EQ(asInteger(row.stored), row.integer);
     EXPECT_EQ(asBool(row.stored), row.yes);
@@ -51,10 +45,10 @@ TEST(SettingValue, EachTypeReadsAsEachOther) {
   EXPECT_EQ(asInteger(std::nan("")), 0);
 }
 
-TEST(MemoryStore, MissingKeysReadAsNothingAndRemoveAllMakesThemMissing) {
+TEST(MemoryStore, TheLastTypeWrittenCountsUntilRemoveAll) {
   MemoryStore store;
   store.setBool("flag", true);
-  store.setString("flag", "7");  // the last type written counts
+  store.setString("flag", "7");
   EXPECT_EQ(store.integerForKey("flag"), 7);
   store.removeAll();
   EXPECT_EQ(store.integerForKey("flag"), 0);

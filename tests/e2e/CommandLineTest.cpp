@@ -1,116 +1,198 @@
-// Bad input at the command line: one clear line on standard error and a failing exit code, whatever
-// is wrong, and never a crash.
+// Bad input at the command line gets one clear line on standard error and a failing exit code,
+// never a crash; and the file of `endpin-cli tone` holds what the tuning fork plays, or is not
+// there.
 #include <gtest/gtest.h>
-#include <sndfile.h>
+#include <sys/stat.h>
 
 #include <algorithm>
-#include <chrono>
-#include <filesystem>
+#include <cmath>
+#include <csignal>
 #include <fstream>
 #include <set>
-#include <vector>
+#include <sndfile.hh>
+#include <thread>
 
+#include "calibration/ToneSynthesizer.h"
 #include "tests/e2e/Listening.h"
-#include "tests/support/TempDirectory.h"
-#include "tests/support/Tone.h"
+#include "tests/support/HarmonicFit.h"
 
 namespace endpin::testing {
 namespace {
 
 using namespace std::chrono_literals;
+namespace fs = std::filesystem;
 
 class CommandLine : public ::testing::Test {
  protected:
-  CommandLine() {
-    const Sound tone = bowedTone(48000.0, 2.0, 220.0);
-    writeWav(path("good.wav"), tone);
-    writeWav(path("no frames.wav"), silence(48000.0, 0.0));
-    writeSoundFile(path("half.flac"), tone, SF_FORMAT_FLAC | SF_FORMAT_PCM_16);
-    writeWav(path("half.wav"), tone);
-    writeWav(path("header.wav"), tone);
-    for (const char* half : {"half.flac", "half.wav"}) {
-      std::filesystem::resize_file(path(half), std::filesystem::file_size(path(half)) / 2);
-    }
-    std::filesystem::resize_file(path("header.wav"), 30);
-    std::filesystem::create_directory(path("folder.wav"));
-    std::ofstream(path("text.wav")) << "This is no sound.\nIt is a letter.\n";
-    std::ofstream(path("empty.wav"));
-  }
-
   std::string path(const std::string& name) const { return folder_.file(name); }
 
-  // No sound server and no settings of the machine it runs on.
-  Finished run(const std::vector<std::string>& arguments) const {
-    return runToEnd(endpin(arguments), 10s,
-                    {{"HOME", folder_.path().string()},
-                     {"XDG_RUNTIME_DIR", folder_.path().string()},
-                     {"XDG_DATA_HOME", path("data")},
-                     {"XDG_CONFIG_HOME", path("config")},
+  // Without the sound server and the settings of the machine it runs on.
+  Finished run(const Command& arguments) const {
+    return runToEnd(endpin(arguments), 20s,
+                    {{"HOME", home_.path()},
+                     {"XDG_RUNTIME_DIR", home_.path()},
+                     {"XDG_DATA_HOME", home_.path()},
+                     {"XDG_CONFIG_HOME", home_.path()},
                      {"PULSE_SERVER", "unix:" + path("no-such-socket")}});
   }
 
+  // Exit code 2: the command is wrong. 1: it is right, but cannot be done.
+  void expectRefused(const Command& arguments, const std::set<int>& exitCodes) const {
+    const auto before = names();
+    const Finished finished = run(arguments);
+    SCOPED_TRACE(::testing::PrintToString(arguments) + ": " + finished.errors);
+    EXPECT_TRUE(finished.exitCode && exitCodes.contains(*finished.exitCode));
+    EXPECT_EQ(std::ranges::count(finished.errors, '\n'), 1);
+    EXPECT_GT(finished.errors.size(), 10U);
+    EXPECT_NO_THROW(parseTicks(finished.output));
+    EXPECT_TRUE(finished.output.empty() || finished.output.back() == '\n');
+    EXPECT_EQ(names(), before);
+  }
+
+  static Command tone(const std::map<std::string, std::string>& options) {
+    Command arguments = {"tone"};
+    for (const auto& [name, value] : options) arguments.push_back(name + '=' + value);
+    return arguments;
+  }
+
+  std::set<fs::path> names() const {
+    const fs::directory_iterator all(folder_.path());
+    return {begin(all), end(all)};
+  }
+
   TempDirectory folder_;
+  TempDirectory home_;
 };
 
 TEST_F(CommandLine, BadInputGetsOneLineAndAFailingExitCode) {
-  struct Row {
-    const char* what;
-    std::vector<std::string> arguments;
-    std::set<int> exitCodes;  // 2: the command is wrong. 1: it is right, but cannot be done.
+  writeWav(path("good.wav"), bowedTone(48000.0, 2.0, 220.0));
+  writeWav(path("no frames.wav"), silence(48000.0, 0.0));
+  fs::copy(path("good.wav"), path("header.wav"));
+  fs::copy(path("good.wav"), path("half.wav"));
+  fs::resize_file(path("header.wav"), 30);
+  fs::resize_file(path("half.wav"), fs::file_size(path("half.wav")) / 2);
+  fs::create_directory(path("folder.wav"));
+  std::ofstream(path("text.wav")) << "This is no sound.\nIt is a letter.\n";
+  std::ofstream(path("empty.wav"));
+  ASSERT_EQ(mkfifo(path("fifo.wav").c_str(), 0600), 0);
+  for (const char* file : {"nowhere.wav", "folder.wav", "text.wav", "empty.wav", "no frames.wav",
+                           "header.wav", "half.wav"}) {
+    expectRefused({"listen", "--json", "--input", path(file)}, {1, 2});
+  }
+  for (const char* a4 : {"440.5", "abc", "", "-3", "0", "440Hz", "99999999999999999999"}) {
+    expectRefused({"listen", "--json", "--input", path("good.wav"), "--a4", a4}, {2});
+  }
+  expectRefused({"frequencies", "--a4", "440.5"}, {2});
+  expectRefused({"listen", "--input"}, {2});
+  expectRefused({"listen", "--bogus"}, {2});
+  expectRefused({"sing"}, {2});
+  expectRefused({"listen", "--json", "--input-device", "no-such-device"}, {1});
+  expectRefused({"listen", "--json"}, {1});
+  expectRefused({"tone", "--string=A3", "--seconds=0.1"}, {2});
+  const struct {
+    const char* option;
+    std::string value;
+    int exitCode;
+  } rows[] = {
+      {"--string", "E2", 2},
+      {"--string", "A\n3", 2},
+      {"--waveform", "pulse", 2},
+      {"--waveform", "", 2},
+      {"--seconds", "-1", 2},
+      {"--seconds", "1,5", 2},
+      {"--seconds", "nan", 2},
+      {"--seconds", "inf", 2},
+      {"--seconds", "0.00001", 2},
+      {"--seconds", "3600.1", 2},
+      {"--a4", "0", 2},
+      {"--output", "", 2},
+      {"--output", path("nowhere/tone.wav"), 1},
+      {"--output", path("folder.wav"), 1},
+      {"--output", path("fifo.wav"), 1},
   };
-  // A bad file may count as either.
-  const std::set<int> either = {1, 2};
-  const auto input = [this](const char* name) {
-    return std::vector<std::string>{"listen", "--json", "--input", path(name)};
-  };
-  const auto a4 = [this](const char* value) {
-    return std::vector<std::string>{"listen", "--json", "--input", path("good.wav"), "--a4", value};
-  };
-  const Row rows[] = {
-      {"missing file", input("nowhere.wav"), either},
-      {"folder", input("folder.wav"), either},
-      {"text", input("text.wav"), either},
-      {"empty file", input("empty.wav"), either},
-      {"sound without samples", input("no frames.wav"), either},
-      {"cut inside the header", input("header.wav"), either},
-      {"cut inside the samples", input("half.wav"), either},
-      {"cut flac", input("half.flac"), either},
-      {"file name missing", {"listen", "--input"}, {2}},
-      {"A4 with a fraction", a4("440.5"), {2}},
-      {"A4 in letters", a4("abc"), {2}},
-      {"A4 empty", a4(""), {2}},
-      {"A4 negative", a4("-3"), {2}},
-      {"A4 zero", a4("0"), {2}},
-      {"A4 with a unit", a4("440Hz"), {2}},
-      {"A4 beyond any integer", a4("99999999999999999999"), {2}},
-      {"A4 of the table with a fraction", {"frequencies", "--a4", "440.5"}, {2}},
-      {"string with a line end",
-       {"tone", "--string", "A\n3", "--seconds", "1", "--output", path("a.wav")},
-       {2}},
-      {"unknown option", {"listen", "--bogus"}, {2}},
-      {"unknown command", {"sing"}, {2}},
-      {"unknown device", {"listen", "--json", "--input-device", "no-such-device"}, {1}},
-      {"no microphone", {"listen", "--json"}, {1}},
-  };
-  for (const Row& row : rows) {
-    const Finished finished = run(row.arguments);
-    ASSERT_TRUE(finished.exitCode) << row.what << " never ended";
-    EXPECT_EQ(row.exitCodes.count(*finished.exitCode), 1U)
-        << row.what << ": " << *finished.exitCode << " " << finished.errors;
-    EXPECT_EQ(std::count(finished.errors.begin(), finished.errors.end(), '\n'), 1)
-        << row.what << ": " << finished.errors;
-    EXPECT_GT(finished.errors.size(), 10U) << row.what;
-    EXPECT_NO_THROW(parseTicks(finished.output)) << row.what;
-    EXPECT_TRUE(finished.output.empty() || finished.output.back() == '\n') << row.what;
+  for (const auto& row : rows) {
+    std::map<std::string, std::string> options = {
+        {"--string", "A3"}, {"--seconds", "0.1"}, {"--output", path("new.wav")}};
+    options[row.option] = row.value;
+    expectRefused(tone(options), {row.exitCode});
   }
 }
 
 TEST_F(CommandLine, GoodInputIsSilentOnStandardError) {
-  for (const char* a4 : {"392", "437", "440", "466"}) {
+  writeWav(path("good.wav"), bowedTone(48000.0, 2.0, 220.0));
+  for (const char* a4 : {"392", "440", "466"}) {
     const Finished finished = run({"listen", "--json", "--input", path("good.wav"), "--a4", a4});
     EXPECT_EQ(finished.exitCode, 0) << a4;
     EXPECT_EQ(finished.errors, "") << a4;
     EXPECT_EQ(parseTicks(finished.output).size(), 20U) << a4;
+  }
+}
+
+TEST_F(CommandLine, ToneIsWhatTheTuningForkPlaysFromItsBeginning) {
+  const struct {
+    int string;  // 0 is the highest
+    const char* waveform;
+    std::uint64_t tone;
+    int a4;
+    const char* seconds;
+    std::size_t frames;
+  } rows[] = {{0, "sine", 0, 440, "1", 44100},       {1, "triangle", 1, 440, "0.33337", 14702},
+              {2, "sawtooth", 2, 432, "0.7", 30870}, {3, "square", 3, 440, "1e-1", 4410},
+              {3, "", 3, 440, "0.7", 30870},         {0, "", 3, 440, "0.00003", 1}};
+  for (const auto& row : rows) {
+    const CelloString& string = kCelloStrings[row.string];
+    SCOPED_TRACE(std::string(string.note) + ' ' + row.waveform);
+    std::map<std::string, std::string> options = {{"--string", string.note},
+                                                  {"--seconds", row.seconds},
+                                                  {"--a4", std::to_string(row.a4)},
+                                                  {"--output", path("tone.wav")}};
+    if (*row.waveform) options["--waveform"] = row.waveform;
+    const Finished finished = run(tone(options));
+    EXPECT_EQ(finished.exitCode, 0);
+    EXPECT_EQ(finished.output + finished.errors, "");
+
+    SndfileHandle file(path("tone.wav"));
+    EXPECT_EQ(file.samplerate(), 44100);
+    EXPECT_EQ(file.channels(), 2);
+    EXPECT_EQ(file.format() & ~SF_FORMAT_ENDMASK, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
+    EXPECT_EQ(fs::file_size(path("tone.wav")), 44 + 4 * row.frames);
+    ASSERT_EQ(file.frames(), row.frames);
+    std::vector<std::int16_t> samples(2 * row.frames);
+    file.read(samples.data(), static_cast<sf_count_t>(samples.size()));
+    ToneSynthesizer synthesizer;
+    synthesizer.toneFrequency = static_cast<float>(string.frequency * row.a4 / 440);
+    synthesizer.curTone = row.tone;
+    std::vector<std::uint32_t> words(row.frames);
+    AudioOutputBuffer buffer{words.data()};
+    ToneSynthesizer::renderTone(&synthesizer, static_cast<std::uint32_t>(words.size()),
+                                {&buffer, 1});
+    for (std::size_t i = 0; i < words.size(); ++i) {
+      ASSERT_EQ(samples[2 * i], static_cast<std::int16_t>(words[i] & 0xFFFFU)) << i;
+      ASSERT_EQ(samples[2 * i + 1], samples[2 * i]) << i;
+    }
+  }
+}
+
+TEST_F(CommandLine, ALongToneKeepsItsFrequency) {
+  run({"tone", "--string=G2", "--a4=432", "--waveform=sine", "--seconds=30",
+       "--output=" + path("tone.wav")});
+  const double frequency = fundamentalOf(readSoundFile(path("tone.wav")), 96.0);
+  EXPECT_NEAR(frequency, 432.0 * std::pow(2.0, -26.0 / 12.0), 0.0005);
+}
+
+TEST_F(CommandLine, AnInterruptedToneLeavesTheOldFile) {
+  std::ofstream(path("tone.wav")) << "old";
+  const auto before = names();
+  for (const int number : {SIGINT, SIGTERM}) {
+    ChildProcess child(
+        endpin({"tone", "--string=A3", "--seconds=3600", "--output=" + path("tone.wav")}));
+    while (child.running() && names() == before) std::this_thread::sleep_for(1ms);
+    child.signal(number);
+    EXPECT_EQ(child.waitFor(5s), 1) << child.errors();
+    EXPECT_EQ(names(), before);
+    std::string content;
+    std::ifstream(path("tone.wav")) >> content;
+    EXPECT_EQ(content, "old");
   }
 }
 

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <array>
-#include <chrono>
 #include <functional>
 #include <string>
 #include <vector>
@@ -26,16 +25,15 @@ struct Tick {
 };
 using Ticks = std::vector<Tick>;
 
-// Reads every complete line. Throws std::runtime_error, with the line, when one is not a JSON
-// object with exactly the eight keys of a tick.
+// Reads every complete line. Throws when one is no JSON object with exactly the keys of a tick.
 Ticks parseTicks(const std::string& output);
 
 // `endpin-cli` with these arguments, as a command.
-Command endpin(const std::vector<std::string>& arguments);
+Command endpin(Command arguments);
 
-// Whether a reading lies in the string's in-tune band at A4 = 440, from the reference frequencies
-// and their divisors anew.
-bool inBand(int string, double frequency);
+// Whether this tick read the string in tune at A4 = 440 just now, by its band worked out anew. The
+// lamp alone would say little: it stays green until there is silence.
+bool greenAt(int string, const Tick& tick);
 
 // The least share of the steady ticks that must be in tune when a string is exactly in tune. C2 has
 // to forgive: it lies almost midway between two bins of the spectrum, and of all places where a
@@ -45,32 +43,8 @@ bool inBand(int string, double frequency);
 inline constexpr double kLeastShareOfFile[4] = {0.95, 0.95, 0.95, 0.6};
 inline constexpr double kLeastShareLive[4] = {0.95, 0.95, 0.95, 0.0};
 
-int countOf(const Ticks& ticks, const std::function<bool(const Tick&)>& holds);
-
-// Of the ticks from 1.2 s on (the first block ends at 0.6 s and has the attack in it) to `to`,
-// where the note ends: the part that judged this string in tune anew. The lamp alone would say
-// little: it stays green until there is silence.
+// In tune, of the ticks from 1.2 s on (the first block ends at 0.6 s and has the attack in it) to
+// `to`, where the note ends.
 double shareInTune(const Ticks& ticks, int string, double to = 6.0);
-
-// Expects that the ticks judge this string (0 = A3) and no other: its note whenever the lamp is
-// green, its ring and no other, at least one beep.
-void expectJudged(const Ticks& ticks, int string);
-// Expects that no tick lit the lamp, a ring, a note or the beep.
-void expectNoJudgement(const Ticks& ticks);
-
-// A live `endpin-cli listen --json` and what it has said so far.
-class LiveListener {
- public:
-  explicit LiveListener(const Environment& environment,
-                        const std::vector<std::string>& arguments = {});
-
-  ChildProcess& child() { return child_; }
-  Ticks ticks() const { return parseTicks(child_.output()); }
-  // Waits for a new tick of this kind; false when the time is up or the program has ended.
-  bool hears(const std::function<bool(const Tick&)>& holds, std::chrono::milliseconds limit);
-
- private:
-  ChildProcess child_;
-};
 
 }  // namespace endpin::testing

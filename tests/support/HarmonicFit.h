@@ -6,12 +6,9 @@
 
 namespace endpin::testing {
 
-// Hertz. `guess` may be off by up to 25 cents. The tone should be steady for a second or more: over
-// 4 s of a synthetic tone the error stays under 0.001 cent, with noise 20 dB below the tone under
-// 0.05 cent (both tested).
+// Hertz. `guess` may be off by 25 cents; the tone should be steady for a second or more.
 double fundamentalOf(const Sound& sound, double guess);
 
-// How far `frequency` lies above `reference`, in cents.
 double centsBetween(double frequency, double reference);
 double raisedByCents(double frequency, double cents);
 

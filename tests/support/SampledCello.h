@@ -33,12 +33,7 @@ struct CelloNote {
 std::string whyNoSampledCello();
 
 // 48000 Hz. Throws std::runtime_error when the note does not land within 0.05 cent of what was
-// asked for (0.5 when plucked: a plucked string has little steady tone). Rendered notes are kept
-// for the life of the process.
+// asked for (0.5 when plucked: a plucked string has little steady tone).
 Sound sampledCello(const CelloNote& note);
-
-// Hertz: the steady part of a note, from half a second after its attack to half a second before its
-// end (a plucked one: the first 0.8 s), measured.
-double measuredPitch(const Sound& sound, const CelloNote& note);
 
 }  // namespace endpin::testing

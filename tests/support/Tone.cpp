@@ -6,8 +6,8 @@
 #include <cmath>
 #include <numbers>
 #include <random>
+#include <sndfile.hh>
 #include <stdexcept>
-#include <utility>
 
 namespace endpin::testing {
 namespace {
@@ -16,8 +16,8 @@ size_t sampleCount(double rate, double seconds) {
   return static_cast<size_t>(std::llround(rate * seconds));
 }
 
-void requireEqualRates(const Sound& one, const Sound& other) {
-  if (one.rate != other.rate) throw std::logic_error("sounds of different rates do not mix");
+void check(const SndfileHandle& file, const std::string& path) {
+  if (file.error() != SF_ERR_NO_ERROR) throw std::runtime_error(path + ": " + file.strError());
 }
 
 }  // namespace
@@ -42,16 +42,11 @@ Sound bowedTone(double rate, double seconds, double fundamental, double level) {
   return scaledToRms(harmonics(rate, seconds, fundamental, amplitudes), level);
 }
 
-// Box and Muller by hand: the standard library's normal distribution differs between libraries.
-Sound noise(double rate, double seconds, double level, std::uint32_t seed) {
-  std::mt19937 engine(seed);
-  const auto uniform = [&engine] { return (static_cast<double>(engine()) + 0.5) / 4294967296.0; };
+Sound noise(double rate, double seconds, double level) {
+  std::mt19937 engine(1);
+  std::normal_distribution<float> normal(0.0F, static_cast<float>(level));
   Sound sound = silence(rate, seconds);
-  for (float& sample : sound.samples) {
-    const double radius = std::sqrt(-2.0 * std::log(uniform()));
-    const double angle = 2.0 * std::numbers::pi * uniform();
-    sample = static_cast<float>(level * radius * std::cos(angle));
-  }
+  if (level > 0.0) std::ranges::generate(sound.samples, [&] { return normal(engine); });
   return sound;
 }
 
@@ -73,44 +68,39 @@ Sound scaledToRms(Sound sound, double level) {
 }
 
 Sound mixed(Sound sound, const Sound& other) {
-  requireEqualRates(sound, other);
   sound.samples.resize(std::max(sound.samples.size(), other.samples.size()), 0.0F);
   for (size_t n = 0; n < other.samples.size(); ++n) sound.samples[n] += other.samples[n];
   return sound;
 }
 
 Sound joined(Sound sound, const Sound& next) {
-  requireEqualRates(sound, next);
   sound.samples.insert(sound.samples.end(), next.samples.begin(), next.samples.end());
   return sound;
 }
 
 std::vector<Sound> partsBetweenSilences(const Sound& sound, double silence) {
-  const size_t shortest = sampleCount(sound.rate, silence);
+  const auto isSounding = [](float sample) { return sample != 0.0F; };
+  const auto shortest = static_cast<std::ptrdiff_t>(sampleCount(sound.rate, silence));
+  const auto end = sound.samples.end();
   std::vector<Sound> parts;
-  size_t zeros = 0;  // since the last sounding sample
-  for (const float sample : sound.samples) {
-    if (sample == 0.0F) {
-      ++zeros;
-      continue;
-    }
-    if (parts.empty() || zeros >= shortest) {
+  auto soundingEnd = sound.samples.begin();  // of the last part
+  for (auto at = std::find_if(soundingEnd, end, isSounding); at != end;) {
+    if (parts.empty() || at - soundingEnd >= shortest) {
       parts.push_back({sound.rate, {}});
-    } else {
-      parts.back().samples.insert(parts.back().samples.end(), zeros, 0.0F);
+      soundingEnd = at;
     }
-    parts.back().samples.push_back(sample);
-    zeros = 0;
+    const auto next = std::find(at, end, 0.0F);
+    parts.back().samples.insert(parts.back().samples.end(), soundingEnd, next);
+    soundingEnd = next;
+    at = std::find_if(next, end, isSounding);
   }
   return parts;
 }
 
 Sound longestPart(const Sound& sound) {
-  Sound longest{sound.rate, {}};
-  for (Sound& part : partsBetweenSilences(sound)) {
-    if (part.samples.size() > longest.samples.size()) longest = std::move(part);
-  }
-  return longest;
+  std::vector<Sound> parts = partsBetweenSilences(sound);
+  if (parts.empty()) return {sound.rate, {}};
+  return std::ranges::max(parts, {}, &Sound::seconds);
 }
 
 double soundingSeconds(const Sound& sound) {
@@ -136,6 +126,51 @@ Sound resampled(const Sound& sound, double rate) {
   if (error != nullptr) throw std::runtime_error(error);
   result.samples.resize(written);
   return result;
+}
+
+std::vector<std::int16_t> toS16(const Sound& sound) {
+  std::vector<std::int16_t> result;
+  for (const float sample : sound.samples) {
+    const double scaled = std::round(static_cast<double>(sample) * 32768.0);
+    result.push_back(static_cast<std::int16_t>(std::clamp(scaled, -32768.0, 32767.0)));
+  }
+  return result;
+}
+
+// As float, second by second: the mp3 encoder garbles 16-bit stereo, and the ogg encoder overflows
+// the stack when it is handed a long sound in one piece.
+void writeSoundFile(const std::string& path, const Sound& sound, int format, int channels) {
+  const int rate = static_cast<int>(std::lround(sound.rate));
+  SndfileHandle file(path, SFM_WRITE, format, channels, rate);
+  std::vector<float> frames;
+  for (std::size_t n = 0; n < sound.samples.size(); ++n) {
+    frames.insert(frames.end(), static_cast<std::size_t>(channels), sound.samples[n]);
+    if ((n + 1) % static_cast<std::size_t>(rate) != 0 && n + 1 < sound.samples.size()) continue;
+    file.write(frames.data(), static_cast<sf_count_t>(frames.size()));
+    frames.clear();
+  }
+  check(file, path);
+}
+
+void writeWav(const std::string& path, const Sound& sound, int channels) {
+  writeSoundFile(path, sound, SF_FORMAT_WAV | SF_FORMAT_PCM_16, channels);
+}
+
+void writeRawS16(const std::string& path, const Sound& sound) {
+  constexpr int kFormat = SF_FORMAT_RAW | SF_FORMAT_PCM_16 | SF_ENDIAN_LITTLE;
+  SndfileHandle file(path, SFM_WRITE, kFormat, 1, 8000);
+  const std::vector<std::int16_t> samples = toS16(sound);
+  file.write(samples.data(), static_cast<sf_count_t>(samples.size()));
+  check(file, path);
+}
+
+Sound readSoundFile(const std::string& path) {
+  SndfileHandle file(path);
+  check(file, path);
+  std::vector<float> frame(static_cast<std::size_t>(file.channels()));
+  Sound sound{static_cast<double>(file.samplerate()), {}};
+  while (file.readf(frame.data(), 1) == 1) sound.samples.push_back(frame[0]);
+  return sound;
 }
 
 }  // namespace endpin::testing

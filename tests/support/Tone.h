@@ -1,5 +1,4 @@
-// Sounds made by arithmetic, for tests that must know exactly what is in them, and the files that
-// carry them.
+// Sounds made by arithmetic, for tests that must know exactly what is in them, and their files.
 #pragma once
 
 #include <cstdint>
@@ -16,23 +15,24 @@ struct Sound {
   double seconds() const { return static_cast<double>(samples.size()) / rate; }
 };
 
-// amplitudes[0] belongs to the fundamental, amplitudes[1] to twice its frequency, and so on; each
-// is a peak value. All start as sines at phase 0; those at or above half the rate are left out.
+// amplitudes[k - 1] is the peak of harmonic k; those at or above half the rate are left out.
 Sound harmonics(double rate, double seconds, double fundamental,
                 const std::vector<double>& amplitudes);
-
 // What a bowed string is to these tests: 12 harmonics falling like 1/k, at this RMS level.
 Sound bowedTone(double rate, double seconds, double fundamental, double level = 0.1);
-
-// White, Gaussian, of this RMS level; equal seeds make equal noise on every machine.
-Sound noise(double rate, double seconds, double level, std::uint32_t seed = 1);
+// White, Gaussian, of this RMS level, always the same.
+Sound noise(double rate, double seconds, double level);
 Sound silence(double rate, double seconds);
 
 double rms(const Sound& sound);
 Sound scaledToRms(Sound sound, double level);
-// Both need equal rates; mixed() is as long as the longer one.
+// Of two sounds at one rate; mixed() is as long as the longer one.
 Sound mixed(Sound sound, const Sound& other);
 Sound joined(Sound sound, const Sound& next);
+Sound slice(const Sound& sound, double fromSeconds, double toSeconds);
+// At another rate, at the same pitch.
+Sound resampled(const Sound& sound, double rate);
+
 // What lies between the silences of `silence` seconds or more, from first to last sounding sample.
 // A busy machine tears gaps into what its sound server passes on: a millisecond finds them.
 std::vector<Sound> partsBetweenSilences(const Sound& sound, double silence = 0.001);
@@ -40,21 +40,17 @@ std::vector<Sound> partsBetweenSilences(const Sound& sound, double silence = 0.0
 Sound longestPart(const Sound& sound);
 // Of all of them together.
 double soundingSeconds(const Sound& sound);
-Sound slice(const Sound& sound, double fromSeconds, double toSeconds);
-// The same sound at another rate, at the same pitch.
-Sound resampled(const Sound& sound, double rate);
 
 // Rounded to nearest, clipped at full scale.
 std::vector<std::int16_t> toS16(const Sound& sound);
 
-// Each channel carries the whole sound. `format` is libsndfile's (SF_FORMAT_WAV |
-// SF_FORMAT_PCM_16). The rate is rounded to whole hertz. A file that cannot be written throws
-// std::runtime_error.
+// Each channel carries the whole sound. `format` is libsndfile's; the rate is rounded to whole
+// hertz. All throw std::runtime_error when the file cannot be used.
 void writeSoundFile(const std::string& path, const Sound& sound, int format, int channels = 1);
 void writeWav(const std::string& path, const Sound& sound, int channels = 1);
-// Headerless, signed 16-bit little-endian, at whatever rate the sound has.
+// Headerless, signed 16-bit little-endian.
 void writeRawS16(const std::string& path, const Sound& sound);
-// The first channel of a sound file.
+// The first channel.
 Sound readSoundFile(const std::string& path);
 
 }  // namespace endpin::testing

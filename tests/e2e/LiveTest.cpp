@@ -1,0 +1,185 @@
+// The live path from the microphone to the green lamp, and what becomes of it when the sound server
+// or the microphone goes away, hangs, or never was there.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <thread>
+
+#include "tests/e2e/Listening.h"
+#include "tests/support/PrivateSoundServer.h"
+
+namespace endpin::testing {
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+double secondsSince(Clock::time_point start) {
+  return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+// Waits for a new tick of this kind; false when the time is up or the program has ended.
+template <typename Condition>
+bool hears(ChildProcess& listener, Condition holds, std::chrono::milliseconds limit) {
+  const auto deadline = Clock::now() + limit;
+  const auto old = static_cast<std::ptrdiff_t>(parseTicks(listener.output()).size());
+  while (listener.running() && Clock::now() < deadline) {
+    const Ticks ticks = parseTicks(listener.output());
+    if (std::any_of(ticks.begin() + old, ticks.end(), holds)) return true;
+    std::this_thread::sleep_for(20ms);
+  }
+  return false;
+}
+
+auto judges(int string) {
+  return [string](const Tick& tick) { return greenAt(string, tick); };
+}
+bool cleared(const Tick& tick) {
+  return !tick.green() && tick.power < 0.002;
+}
+// Cleared, and the block that was heard last is silent too.
+bool silent(const Tick& tick) {
+  return cleared(tick) && tick.frequency == 0.0F;
+}
+
+class Live : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (!server_.start()) GTEST_SKIP() << server_.reason();
+  }
+
+  ChildProcess listener(Command more = {}) const {
+    more.insert(more.begin(), {"listen", "--json", "--a4", "440"});
+    return ChildProcess(endpin(more), server_.environment());
+  }
+
+  // A tone that is still sounding whenever a test looks.
+  ChildProcess play(int string) const {
+    const std::string path = server_.folder().file(kCelloStrings[string].note);
+    writeWav(path, bowedTone(48000.0, 30.0, kCelloStrings[string].frequency));
+    return server_.playIntoMicrophone(path);
+  }
+
+  // Expects a program that hears a tone begun now within three seconds, and judges it, until `end`
+  // ends that. Each call takes another string, so that a block from before a break cannot pass for
+  // a new one.
+  template <typename End>
+  void expectHearing(ChildProcess& listener, int string, End end) const {
+    const auto player = play(string);
+    const auto start = Clock::now();
+    EXPECT_TRUE(hears(
+        listener, [](const Tick& tick) { return tick.power > 0.01; }, 10s));
+    EXPECT_LT(secondsSince(start), 3.0);
+    EXPECT_TRUE(hears(listener, judges(string), 5s)) << listener.errors();
+    end();
+  }
+
+  PrivateSoundServer server_;
+};
+
+// A note that the server itself tore says little about how steadily it is judged: it is played
+// again, twice.
+TEST_F(Live, EveryStringOfASampledCelloLightsItsOwnGreen) {
+  if (const std::string why = whyNoSampledCello(); !why.empty()) GTEST_SKIP() << why;
+  ChildProcess listener = this->listener();
+  const std::string file = server_.folder().file("note.wav");
+  for (int string = 0, attempt = 1; string < 4; ++attempt) {
+    const CelloString& cello = kCelloStrings[string];
+    SCOPED_TRACE(cello.note);
+    writeWav(file, sampledCello(
+                       {.midiNote = cello.midiNote, .frequency = cello.frequency, .seconds = 5.0}));
+    EXPECT_TRUE(hears(listener, silent, 5s)) << listener.errors();
+    const std::size_t begin = parseTicks(listener.output()).size();
+    const auto witness = server_.record("virtmic");
+    const auto player = server_.playIntoMicrophone(file);
+    EXPECT_TRUE(hears(listener, judges(string), 5s)) << listener.errors();
+    std::this_thread::sleep_for(700ms);  // the attack is long past
+    const std::size_t steadyBegin = parseTicks(listener.output()).size();
+    std::this_thread::sleep_for(1500ms);
+    const Ticks ticks = parseTicks(listener.output());
+    const auto gaps = partsBetweenSilences(PrivateSoundServer::recorded(witness)).size() - 1;
+    if (gaps > 0) std::printf("  the sound server left %zu gaps\n", gaps);
+    if (gaps > 0 && attempt < 3) continue;
+
+    for (std::size_t n = begin; n < ticks.size(); ++n) {
+      ASSERT_TRUE(!ticks[n].green() || ticks[n].note == cello.note) << "at " << ticks[n].time;
+    }
+    EXPECT_TRUE(ticks.back().rings[static_cast<std::size_t>(string)]);
+    EXPECT_GE(ticks.back().beeps, string + 1) << "one for each string so far";
+    const Ticks steady(ticks.begin() + static_cast<std::ptrdiff_t>(steadyBegin), ticks.end());
+    const auto inTune = std::ranges::count_if(steady, judges(string));
+    std::printf("  %s: %td of %zu steady ticks in tune\n", cello.note, inTune, steady.size());
+    if (gaps == 0) {
+      for (const Tick& tick : steady) EXPECT_GT(tick.power, 0.1) << "a gap at " << tick.time;
+      EXPECT_GE(steady.size(), 10U);
+      const double share = static_cast<double>(inTune) / static_cast<double>(steady.size());
+      EXPECT_GE(share, kLeastShareLive[string]);
+    }
+    ++string;
+    attempt = 0;
+  }
+}
+
+TEST_F(Live, ListeningResumesWhenTheServerOrTheMicrophoneComesBack) {
+  ChildProcess listener = this->listener();
+  expectHearing(listener, 1, [&] {
+    server_.kill();
+    EXPECT_TRUE(hears(listener, cleared, 3s)) << "a dead server still has a level";
+  });
+  ASSERT_TRUE(server_.start()) << server_.reason();
+  expectHearing(listener, 0, [&] {
+    ASSERT_TRUE(server_.removeMicrophone());
+    EXPECT_TRUE(hears(listener, cleared, 3s)) << "a lost microphone still has a level";
+  });
+  ASSERT_TRUE(server_.addMicrophone());
+  expectHearing(listener, 2, [&] { server_.freeze(); });
+  const std::size_t before = parseTicks(listener.output()).size();
+  std::this_thread::sleep_for(2s);
+  const std::size_t after = parseTicks(listener.output()).size();
+  server_.thaw();
+  EXPECT_GE(after - before, 10U) << "a server that hangs holds up the ticks";
+  expectHearing(listener, 3, [] {});
+  EXPECT_TRUE(listener.running());
+}
+
+TEST_F(Live, SignalsEndTheProgramEvenWhileTheServerHangs) {
+  for (const auto& [number, hung] :
+       {std::pair(SIGTERM, false), {SIGTERM, true}, {SIGINT, false}, {SIGINT, true}}) {
+    SCOPED_TRACE("signal " + std::to_string(number) + (hung ? ", hung server" : ""));
+    ChildProcess listener = this->listener();
+    ASSERT_TRUE(hears(
+        listener, [](const Tick&) { return true; }, 5s));
+    if (hung) {
+      server_.freeze();
+      std::this_thread::sleep_for(700ms);
+    }
+    const auto start = Clock::now();
+    listener.signal(number);
+    const std::optional<int> code = listener.waitFor(5s);
+    EXPECT_LT(secondsSince(start), 2.0);
+    EXPECT_TRUE(code == 0 || code == 128 + number) << code.value_or(-1);
+    if (hung) server_.thaw();
+  }
+}
+
+TEST_F(Live, TheMicrophoneIsListedAndChosenByNameAndItsAbsenceToldInALine) {
+  const Finished list = runToEnd(endpin({"listen", "--list-inputs"}), 5s, server_.environment());
+  EXPECT_EQ(list.exitCode, 0) << list.errors;
+  EXPECT_NE(list.output.find("virtmic"), std::string::npos) << list.output;
+  ChildProcess chosen = listener({"--input-device", "virtmic"});
+  const auto player = play(0);
+  EXPECT_TRUE(hears(chosen, judges(0), 8s)) << chosen.errors();
+  for (const Command& more : {Command{"--input-device", "no-such"}, Command{}}) {
+    ChildProcess missing = listener(more);
+    EXPECT_EQ(missing.waitFor(5s), 1) << missing.errors();
+    EXPECT_EQ(missing.output(), "");
+    EXPECT_EQ(std::ranges::count(missing.errors(), '\n'), 1) << missing.errors();
+    EXPECT_NE(missing.errors().find("no microphone"), std::string::npos) << missing.errors();
+    server_.removeMicrophone();
+  }
+}
+
+}  // namespace
+}  // namespace endpin::testing
