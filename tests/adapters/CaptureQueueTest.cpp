@@ -66,20 +66,6 @@ TEST_F(CaptureQueueTest, BuffersCirculateInOrderAndABlockWithoutOneIsLost) {
   EXPECT_EQ(firsts.back(), 10) << "the newest sound, not the lost one";
 }
 
-TEST_F(CaptureQueueTest, BlocksAreCutWhereTheyEndWhateverTheDeliveries) {
-  queue.start();
-  deliver(4000, 1);
-  EXPECT_TRUE(filled.empty());
-  deliver(95, 2);
-  EXPECT_EQ(queue.missingSamples(), 1U);
-  deliver(2 * 4096 + 1, 3);
-  ASSERT_EQ(filled.size(), 3U);
-  EXPECT_EQ(filled[0]->mAudioData[3999], 1);
-  EXPECT_EQ(filled[0]->mAudioData[4000], 2);
-  EXPECT_EQ(filled[0]->mAudioData[4095], 3);
-  EXPECT_EQ(queue.missingSamples(), 4096U);
-}
-
 TEST_F(CaptureQueueTest, RunsWhileStartedAndDelivered) {
   deliver(5000, 1);
   EXPECT_FALSE(running());

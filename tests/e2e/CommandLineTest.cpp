@@ -14,7 +14,6 @@
 
 #include "calibration/ToneSynthesizer.h"
 #include "tests/e2e/Listening.h"
-#include "tests/support/HarmonicFit.h"
 
 namespace endpin::testing {
 namespace {
@@ -118,13 +117,25 @@ TEST_F(CommandLine, BadInputGetsOneLineAndAFailingExitCode) {
   }
 }
 
-TEST_F(CommandLine, GoodInputIsSilentOnStandardError) {
-  writeWav(path("good.wav"), bowedTone(48000.0, 2.0, 220.0));
+// Ten ticks a second of the file, a pitch when the last sample of a block has been heard, and the
+// level of the last tenth.
+TEST_F(CommandLine, GoodInputIsToldByTheClockOfTheFileAndSilentOnStandardError) {
+  writeWav(path("good.wav"), joined(bowedTone(48000.0, 1.0, 220.0, 0.1),
+                                    bowedTone(48000.0, 1.0, 146.8323839594813, 0.05)));
   for (const char* a4 : {"392", "440", "466"}) {
     const Finished finished = run({"listen", "--json", "--input", path("good.wav"), "--a4", a4});
     EXPECT_EQ(finished.exitCode, 0) << a4;
     EXPECT_EQ(finished.errors, "") << a4;
-    EXPECT_EQ(parseTicks(finished.output).size(), 20U) << a4;
+    const Ticks ticks = parseTicks(finished.output);
+    ASSERT_EQ(ticks.size(), 20U) << a4;
+    for (std::size_t n = 1; n <= ticks.size(); ++n) {
+      const Tick& tick = ticks[n - 1];
+      EXPECT_NEAR(tick.time, 0.1 * static_cast<double>(n), 1e-9);
+      EXPECT_EQ(tick.frequency > 0.0F, tick.time > 4096.0 / 7019.5) << tick.time;
+      if (n != 1 && n != 10 && n != 11) {
+        EXPECT_NEAR(tick.power, n < 10 ? 0.1 : 0.05, n < 10 ? 0.003 : 0.0015) << tick.time;
+      }
+    }
   }
 }
 

@@ -21,16 +21,14 @@ double secondsSince(Clock::time_point start) {
 }
 
 // Waits for a new tick of this kind; false when the time is up or the program has ended.
+// Waits for a new tick of this kind; false when the time is up.
 template <typename Condition>
-bool hears(ChildProcess& listener, Condition holds, std::chrono::milliseconds limit) {
-  const auto deadline = Clock::now() + limit;
+bool hears(const ChildProcess& listener, Condition holds, std::chrono::milliseconds limit) {
   const auto old = static_cast<std::ptrdiff_t>(parseTicks(listener.output()).size());
-  while (listener.running() && Clock::now() < deadline) {
+  return soon(limit, [&] {
     const Ticks ticks = parseTicks(listener.output());
-    if (std::any_of(ticks.begin() + old, ticks.end(), holds)) return true;
-    std::this_thread::sleep_for(20ms);
-  }
-  return false;
+    return std::any_of(ticks.begin() + old, ticks.end(), holds);
+  });
 }
 
 auto judges(int string) {

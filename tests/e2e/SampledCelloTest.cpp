@@ -80,25 +80,5 @@ TEST_P(SampledCello, TenCentsOffIsNeverGreen) {
   }
 }
 
-// Ten ticks a second of the file, each block when its last sample has been heard, and the level of
-// the last tenth.
-TEST(ClockOfAFile, TimesAndLevelsAreThoseOfTheFile) {
-  constexpr double kBlockSeconds = 4096.0 / 7019.5;
-  const Ticks ticks = listenTo(joined(bowedTone(48000.0, 2.0, 220.0, 0.1),
-                                      bowedTone(48000.0, 1.05, 146.8323839594813, 0.05)));
-  ASSERT_EQ(ticks.size(), 30U);
-  for (std::size_t n = 0; n < ticks.size(); ++n) {
-    const Tick& tick = ticks[n];
-    EXPECT_NEAR(tick.time, 0.1 * static_cast<double>(n + 1), 1e-9);
-    EXPECT_EQ(tick.frequency > 0.0F, tick.time > kBlockSeconds) << tick.time;
-    if (tick.time > 0.15 && tick.time < 1.95) {
-      EXPECT_NEAR(tick.power, 0.1, 0.003) << tick.time;
-    }
-    if (tick.time > 2.15) {
-      EXPECT_NEAR(tick.power, 0.05, 0.0015) << tick.time;
-    }
-  }
-}
-
 }  // namespace
 }  // namespace endpin::testing

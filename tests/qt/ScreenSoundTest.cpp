@@ -18,7 +18,6 @@
 #include "audio/LumoListener.h"
 #include "tests/fakes/FakePlatform.h"
 #include "tests/qt/FindItem.h"
-#include "tests/support/HarmonicFit.h"
 #include "tests/support/PrivateSoundServer.h"
 #include "tests/support/SampledCello.h"
 

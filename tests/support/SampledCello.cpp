@@ -7,7 +7,6 @@
 #include <tuple>
 
 #include "tests/support/ChildProcess.h"
-#include "tests/support/HarmonicFit.h"
 
 namespace endpin::testing {
 namespace {
@@ -75,7 +74,8 @@ Sound sampledCello(const CelloNote& note) {
   const double played = measuredPitch(original, note, seconds, written);
   Sound sound = resampled(original, original.rate * played / wanted);
   sound.rate = original.rate;
-  const double error = centsBetween(measuredPitch(sound, note, note.seconds, wanted), wanted);
+  const double error =
+      1200.0 * std::log2(measuredPitch(sound, note, note.seconds, wanted) / wanted);
   if (std::abs(error) > (note.plucked ? 0.5 : 0.05)) {
     throw std::runtime_error("the retuned note is off by " + std::to_string(error) + " cents");
   }

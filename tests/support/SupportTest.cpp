@@ -3,7 +3,6 @@
 
 #include <cmath>
 
-#include "tests/support/HarmonicFit.h"
 #include "tests/support/PrivateSoundServer.h"
 
 namespace endpin::testing {
@@ -11,7 +10,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-TEST(HarmonicFit, FindsTheFundamentalFarMoreFinelyThanAnyBand) {
+TEST(Tone, IsMeasuredFarMoreFinelyThanAnyBand) {
   const struct {
     double fundamental;
     double guessOffCents;
@@ -28,8 +27,8 @@ TEST(HarmonicFit, FindsTheFundamentalFarMoreFinelyThanAnyBand) {
     const Sound tone = harmonics(48000.0, 4.0, row.fundamental, row.amplitudes);
     const Sound heard = mixed(tone, noise(48000.0, 4.0, row.noise));
     const double guess = raisedByCents(row.fundamental, row.guessOffCents);
-    const double error = centsBetween(fundamentalOf(heard, guess), row.fundamental);
-    EXPECT_LT(std::abs(error), row.toleranceCents) << row.fundamental;
+    const double cents = 1200.0 * std::log2(fundamentalOf(heard, guess) / row.fundamental);
+    EXPECT_NEAR(cents, 0.0, row.toleranceCents) << row.fundamental;
   }
 }
 
@@ -41,11 +40,9 @@ TEST(Tone, OnlyGapsOfSomeLengthPartASound) {
   EXPECT_EQ(parts[1].samples, (std::vector<float>{1, 1}));
 }
 
-TEST(SoundServer, AnswersNobodyWhileFrozenAndLosesWhatIsRemoved) {
+TEST(SoundServer, AnswersNobodyWhileFrozen) {
   PrivateSoundServer server;
   if (!server.start()) GTEST_SKIP() << server.reason();
-  ASSERT_TRUE(server.removeMicrophone());
-  EXPECT_FALSE(server.removeMicrophone());
   EXPECT_TRUE(server.control("info"));
   server.freeze();
   EXPECT_FALSE(runToEnd({"pactl", "info"}, 300ms, server.environment()).exitCode);

@@ -61,9 +61,8 @@ double rms(const Sound& sound) {
 }
 
 Sound scaledToRms(Sound sound, double level) {
-  const double now = rms(sound);
-  if (now == 0.0) return sound;
-  for (float& sample : sound.samples) sample = static_cast<float>(sample * level / now);
+  const double factor = level / rms(sound);
+  for (float& sample : sound.samples) sample = static_cast<float>(sample * factor);
   return sound;
 }
 
@@ -118,14 +117,44 @@ Sound slice(const Sound& sound, double fromSeconds, double toSeconds) {
 Sound resampled(const Sound& sound, double rate) {
   const double length = static_cast<double>(sound.samples.size()) * rate / sound.rate;
   Sound result{rate, std::vector<float>(static_cast<size_t>(std::ceil(length)))};
-  const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_VHQ, 0);
   size_t written = 0;
-  const soxr_error_t error = soxr_oneshot(
-      sound.rate, rate, 1, sound.samples.data(), sound.samples.size(), nullptr,
-      result.samples.data(), result.samples.size(), &written, nullptr, &quality, nullptr);
-  if (error != nullptr) throw std::runtime_error(error);
+  soxr_oneshot(sound.rate, rate, 1, sound.samples.data(), sound.samples.size(), nullptr,
+               result.samples.data(), result.samples.size(), &written, nullptr, nullptr, nullptr);
   result.samples.resize(written);
   return result;
+}
+
+// A tone equals itself some whole number of periods later. The more periods, the finer their length
+// is known, and each step tells the next where to look.
+double fundamentalOf(const Sound& sound, double guess) {
+  const std::size_t half = sound.samples.size() / 2;
+  const auto difference = [&](std::size_t lag) {
+    double sum = 0.0;
+    for (std::size_t n = 0; n < half; ++n) {
+      const auto off = static_cast<double>(sound.samples[n] - sound.samples[n + lag]);
+      sum += off * off;
+    }
+    return sum;
+  };
+  double period = sound.rate / guess;  // in samples
+  for (const double most : {8.0, 64.0, 1e9}) {
+    const double periods = std::min(most, std::floor(static_cast<double>(half) / period) - 1.0);
+    const auto first = static_cast<std::size_t>((periods - 0.2) * period);
+    std::vector<double> differences;
+    for (std::size_t lag = first; static_cast<double>(lag) < (periods + 0.2) * period; ++lag) {
+      differences.push_back(difference(lag));
+    }
+    const auto least = std::min_element(differences.begin() + 1, differences.end() - 1);
+    const double vertex = (least[-1] - least[1]) / (least[-1] - 2.0 * least[0] + least[1]) / 2.0;
+    period =
+        (static_cast<double>(first) + static_cast<double>(least - differences.begin()) + vertex) /
+        periods;
+  }
+  return sound.rate / period;
+}
+
+double raisedByCents(double frequency, double cents) {
+  return frequency * std::exp2(cents / 1200.0);
 }
 
 std::vector<std::int16_t> toS16(const Sound& sound) {

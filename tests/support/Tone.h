@@ -41,6 +41,11 @@ Sound longestPart(const Sound& sound);
 // Of all of them together.
 double soundingSeconds(const Sound& sound);
 
+// The fundamental of a steady tone in hertz, measured far more finely than the tuner does it and in
+// another way. `guess` may be off by 25 cents.
+double fundamentalOf(const Sound& sound, double guess);
+double raisedByCents(double frequency, double cents);
+
 // Rounded to nearest, clipped at full scale.
 std::vector<std::int16_t> toS16(const Sound& sound);
 
