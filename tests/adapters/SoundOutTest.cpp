@@ -38,23 +38,6 @@ double secondsSince(Clock::time_point start) {
   return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-// How often it was asked for samples, and the tone of the A string at once.
-struct Tone {
-  Tone() {
-    synthesizer.toneFrequency = 220.0F;
-    synthesizer.curTone = ToneSynthesizer::Square;
-  }
-  static std::int32_t render(void* tone, std::uint32_t frames,
-                             std::span<AudioOutputBuffer> buffers) {
-    auto* self = static_cast<Tone*>(tone);
-    ++self->calls;
-    return ToneSynthesizer::renderTone(&self->synthesizer, frames, buffers);
-  }
-
-  ToneSynthesizer synthesizer;
-  std::atomic<int> calls = 0;
-};
-
 double peak(const Sound& sound) {
   float most = 0;
   for (const float sample : sound.samples) most = std::max(most, std::abs(sample));
@@ -98,10 +81,20 @@ class SoundOut : public ::testing::Test {
   void SetUp() override {
     if (!server_.start()) GTEST_SKIP() << server_.reason();
     for (const auto& [name, value] : server_.environment()) setenv(name.c_str(), value.c_str(), 1);
+    synthesizer_.toneFrequency = 220.0F;
+    synthesizer_.curTone = ToneSynthesizer::Square;
     EXPECT_EQ(unit_->setStreamFormat(stereo()), 0);
-    EXPECT_EQ(unit_->setRenderCallback(Tone::render, &tone_), 0);
+    EXPECT_EQ(unit_->setRenderCallback(render, this), 0);
     EXPECT_EQ(unit_->initialize(), 0);
     ASSERT_TRUE(beep_);
+  }
+
+  // The tone of the A string, and how often it was asked for.
+  static std::int32_t render(void* test, std::uint32_t frames,
+                             std::span<AudioOutputBuffer> buffers) {
+    auto* self = static_cast<SoundOut*>(test);
+    ++self->calls_;
+    return ToneSynthesizer::renderTone(&self->synthesizer_, frames, buffers);
   }
 
   // Runs a duty of the main thread, which may never wait for the server.
@@ -113,7 +106,8 @@ class SoundOut : public ::testing::Test {
   }
 
   PrivateSoundServer server_;
-  Tone tone_;
+  ToneSynthesizer synthesizer_;
+  std::atomic<int> calls_ = 0;
   std::unique_ptr<AudioOutputUnit> unit_ = CubebOutput().newOutputUnit();
   std::unique_ptr<AudioPlayer> beep_ = CubebPlayers().playerWithContentsOf(ENDPIN_BEEP);
 };
@@ -131,9 +125,9 @@ TEST_F(SoundOut, ToneSoundsAtItsPitchAndLevelUntilItIsStopped) {
 
   unit_->stop();
   EXPECT_TRUE(soon(3s, [&] { return peak(recording.next(0.3)) == 0.0; })) << "it sounds on";
-  const int calls = tone_.calls;
+  const int calls = calls_;
   EXPECT_EQ(peak(recording.next(0.3)), 0.0);
-  EXPECT_EQ(tone_.calls, calls);
+  EXPECT_EQ(calls_, calls);
   unit_->start();
   EXPECT_TRUE(Recording(server_).hears(3s)) << "it does not start again";
 }
@@ -145,11 +139,11 @@ TEST_F(SoundOut, SoundingAllocatesNothing) {
   unit_->start();
   player->play();
   std::this_thread::sleep_for(1s);
-  const int calls = tone_.calls;
+  const int calls = calls_;
   const std::size_t allocations = fakes::allocationCount();
   std::this_thread::sleep_for(1s);
   EXPECT_EQ(fakes::allocationCount(), allocations);
-  EXPECT_GT(tone_.calls, calls + 10);
+  EXPECT_GT(calls_, calls + 10);
 }
 
 TEST_F(SoundOut, ToneGoesOnWhenTheServerIsBackAndFollowsTheDefaultDevice) {
@@ -191,11 +185,11 @@ TEST_P(SoundOutOfAHungServer, NobodyWaits) {
   });
   std::this_thread::sleep_for(300ms);
   expectPrompt("end of the unit", [&] { unit_.reset(); });
-  const int calls = tone_.calls;
+  const int calls = calls_;
   expectPrompt("end of the player", [&] { beep_.reset(); });
   server_.thaw();
   std::this_thread::sleep_for(1s);
-  EXPECT_EQ(tone_.calls, calls) << "rendered after its end";
+  EXPECT_EQ(calls_, calls) << "rendered after its end";
   EXPECT_EQ(peak(Recording(server_).next(0.5)), 0.0) << "something sounds on";
 }
 
@@ -247,7 +241,7 @@ TEST(SoundOutWithoutServer, WhatCannotBePlayedGivesNoPlayer) {
 }
 
 TEST(SoundOutWithoutServer, UnitRefusesWhatItCannotDo) {
-  Tone tone;
+  ToneSynthesizer tone;
   const auto unit = CubebOutput().newOutputUnit();
   EXPECT_NE(unit->initialize(), 0) << "without a format";
   EXPECT_NE(unit->start(), 0);
@@ -255,9 +249,9 @@ TEST(SoundOutWithoutServer, UnitRefusesWhatItCannotDo) {
   EXPECT_NE(unit->setStreamFormat(kCaptureFormat), 0) << "one channel, and no whole rate";
   EXPECT_EQ(unit->setStreamFormat(stereo()), 0);
   EXPECT_NE(unit->initialize(), 0) << "without a callback";
-  EXPECT_EQ(unit->setRenderCallback(Tone::render, &tone), 0);
+  EXPECT_EQ(unit->setRenderCallback(ToneSynthesizer::renderTone, &tone), 0);
   EXPECT_EQ(unit->initialize(), 0);
-  EXPECT_NE(unit->setRenderCallback(Tone::render, &tone), 0) << "too late";
+  EXPECT_NE(unit->setRenderCallback(ToneSynthesizer::renderTone, &tone), 0) << "too late";
 }
 
 }  // namespace

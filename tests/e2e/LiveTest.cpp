@@ -54,10 +54,10 @@ class Live : public ::testing::Test {
   }
 
   // A tone that is still sounding whenever a test looks.
-  ChildProcess play(int string) const {
+  std::string longTone(int string) const {
     const std::string path = server_.folder().file(kCelloStrings[string].note);
     writeWav(path, bowedTone(48000.0, 30.0, kCelloStrings[string].frequency));
-    return server_.playIntoMicrophone(path);
+    return path;
   }
 
   // Expects a program that hears a tone begun now within three seconds, and judges it, until `end`
@@ -65,8 +65,9 @@ class Live : public ::testing::Test {
   // a new one.
   template <typename End>
   void expectHearing(ChildProcess& listener, int string, End end) const {
-    const auto player = play(string);
+    const std::string tone = longTone(string);
     const auto start = Clock::now();
+    const auto player = server_.playIntoMicrophone(tone);
     EXPECT_TRUE(hears(
         listener, [](const Tick& tick) { return tick.power > 0.01; }, 10s));
     EXPECT_LT(secondsSince(start), 3.0);
@@ -167,7 +168,7 @@ TEST_F(Live, TheMicrophoneIsListedAndChosenByNameAndItsAbsenceToldInALine) {
   EXPECT_EQ(list.exitCode, 0) << list.errors;
   EXPECT_NE(list.output.find("virtmic"), std::string::npos) << list.output;
   ChildProcess chosen = listener({"--input-device", "virtmic"});
-  const auto player = play(0);
+  const auto player = server_.playIntoMicrophone(longTone(0));
   EXPECT_TRUE(hears(chosen, judges(0), 8s)) << chosen.errors();
   for (const Command& more : {Command{"--input-device", "no-such"}, Command{}}) {
     ChildProcess missing = listener(more);
