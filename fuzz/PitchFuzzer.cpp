@@ -98,7 +98,7 @@ class PitchRun {
     slider.setValue(input_.number<std::int16_t>() / 1000.0);
     tuner_.controller.micSensitivity(slider);
   }
-  void letTimePass() { tuner_.fake.runLoop.advance(static_cast<double>(input_.choice(20))); }
+  void letTimePass() { tuner_.runLoop.advance(static_cast<double>(input_.choice(20))); }
 
   void checkTick() {
     const auto& controller = tuner_.controller;

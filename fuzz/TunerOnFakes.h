@@ -7,23 +7,27 @@
 
 namespace endpin::fuzzing {
 
+struct NoTimers final : VirtualRunLoop {
+  TimerId scheduleTimer(double /*seconds*/, Call /*fire*/) override { return 1; }
+};
+
 struct TunerOnFakes {
   // Starts it. Nothing runs by itself: the fuzzer calls the ticks, and runLoop.advance what was
   // delayed. `settings` outlives the tuner.
   explicit TunerOnFakes(SettingsStore& settings)
-      : platform{fake.input, fake.session, fake.players, fake.output, fake.runLoop,
+      : platform{fake.input, fake.session, fake.players, fake.output, runLoop,
                  settings,   fake.device,  fake.bundle,  fake.log},
         controller(platform) {
     screen.connect(controller);
     controller.viewDidLoad();
     controller.viewWillAppear(false);
-    fake.runLoop.timers.clear();
   }
   ~TunerOnFakes() { LumoListener::releaseSharedListener(); }
   TunerOnFakes(const TunerOnFakes&) = delete;
   TunerOnFakes& operator=(const TunerOnFakes&) = delete;
 
   fakes::FakePlatform fake;
+  NoTimers runLoop;
   Platform platform;
   TerminalScreen screen;
   ViewController controller;

@@ -15,9 +15,12 @@ class MemoryStore : public TypedStore {
   void removeAll() override;
   void synchronize() override {}
 
+ protected:
+  // Every written value comes through here.
+  void set(std::string_view key, SettingValue value) override;
+
  private:
   [[nodiscard]] std::optional<SettingValue> find(std::string_view key) const override;
-  void set(std::string_view key, SettingValue value) override;
 
   mutable std::mutex mutex_;
   std::map<std::string, SettingValue, std::less<>> values_;

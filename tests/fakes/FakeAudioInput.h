@@ -11,31 +11,25 @@
 
 namespace endpin::fakes {
 
-class FakeInputQueue final : public AudioInputQueue {
- public:
-  FakeInputQueue(AudioInputCallback callback, void* userData)
-      : callback_(callback), userData_(userData) {}
+struct FakeInputQueue final : AudioInputQueue {
+  FakeInputQueue(AudioInputCallback call, void* data) : callback(call), userData(data) {}
 
   AudioStatus allocateBuffer(std::uint32_t byteSize, AudioInputBuffer** buffer) override {
-    memory_.push_back(std::make_unique<std::int16_t[]>(byteSize / 2));
-    buffers_.push_back(
-        std::make_unique<AudioInputBuffer>(AudioInputBuffer{memory_.back().get(), byteSize, 0}));
-    *buffer = buffers_.back().get();
+    auto& memory = memories.emplace_back(byteSize / 2);
+    *buffer = &buffers.emplace_back(AudioInputBuffer{memory.data(), byteSize, 0});
     return 0;
   }
   AudioStatus enqueueBuffer(AudioInputBuffer* buffer) override {
-    queued_.push_back(buffer);
+    queued.push_back(buffer);
     return 0;
   }
   AudioStatus start() override {
-    ++starts;
-    running = 1;
-    return 0;
+    running = true;
+    return ++starts, 0;
   }
   AudioStatus stop(bool) override {
-    ++stops;
-    running = 0;
-    return 0;
+    running = false;
+    return ++stops, 0;
   }
   AudioStatus isRunning(std::uint32_t& value) const override {
     value = running;
@@ -43,7 +37,7 @@ class FakeInputQueue final : public AudioInputQueue {
   }
   AudioStatus enableLevelMetering(std::uint32_t enable) override {
     metering = enable;
-    return meteringStatus;
+    return 0;
   }
   AudioStatus currentLevelMeter(LevelMeterState* levels, std::uint32_t byteSize) const override {
     if (byteSize >= sizeof(level)) *levels = level;
@@ -52,36 +46,30 @@ class FakeInputQueue final : public AudioInputQueue {
 
   // Fills the next queued buffer and hands it over; false when none is queued.
   bool deliver(std::span<const std::int16_t> samples) {
-    if (queued_.empty()) return false;
-    AudioInputBuffer* buffer = queued_.front();
-    queued_.pop_front();
+    if (queued.empty()) return false;
+    AudioInputBuffer* buffer = queued.front();
+    queued.pop_front();
     std::copy(samples.begin(), samples.end(), buffer->mAudioData);
     buffer->mAudioDataByteSize = static_cast<std::uint32_t>(samples.size_bytes());
-    callback_(userData_, this, buffer);
+    callback(userData, this, buffer);
     return true;
   }
+  [[nodiscard]] std::size_t queuedBuffers() const { return queued.size(); }
+  [[nodiscard]] std::size_t allocatedBuffers() const { return buffers.size(); }
 
-  [[nodiscard]] std::size_t queuedBuffers() const { return queued_.size(); }
-  [[nodiscard]] std::size_t allocatedBuffers() const { return buffers_.size(); }
-
-  std::uint32_t running = 0;
+  const AudioInputCallback callback;
+  void* const userData;
+  std::deque<std::vector<std::int16_t>> memories;
+  std::deque<AudioInputBuffer> buffers;
+  std::deque<AudioInputBuffer*> queued;
+  bool running = false;
   AudioStatus runningStatus = 0;
-  AudioStatus meteringStatus = 0;
   std::uint32_t metering = 0;
   LevelMeterState level;
-  int starts = 0;
-  int stops = 0;
-
- private:
-  AudioInputCallback callback_;
-  void* userData_;
-  std::vector<std::unique_ptr<std::int16_t[]>> memory_;
-  std::vector<std::unique_ptr<AudioInputBuffer>> buffers_;
-  std::deque<AudioInputBuffer*> queued_;
+  int starts = 0, stops = 0;
 };
 
-class FakeAudioInput final : public AudioInput {
- public:
+struct FakeAudioInput final : AudioInput {
   std::unique_ptr<AudioInputQueue> newInput(const AudioStreamFormat& wanted,
                                             AudioInputCallback callback, void* userData) override {
     format = wanted;

@@ -1,0 +1,281 @@
+// The application on a platform in memory: layouts, start-up, restore, demonstration, whole ticks.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "app/AppDelegate.h"
+#include "app/ViewController.h"
+#include "audio/LumoListener.h"
+#include "calibration/StringFrequencies.h"
+#include "cli/TerminalScreen.h"
+#include "tests/fakes/FakePlatform.h"
+#include "tests/support/Tone.h"
+
+namespace endpin {
+namespace {
+
+using Strings = std::vector<std::string>;
+
+struct FakeScreen final : Screen {
+  void installLayout(const std::string& name) override { calls.push_back(name); }
+  bool asksForStatusBar() const override { return asks; }
+  void setNeedsStatusBarAppearanceUpdate(bool hidden) override {
+    calls.push_back("asked, hidden " + std::to_string(hidden));
+  }
+  void setStatusBarHidden(bool hidden, int animation) override {
+    calls.push_back("hidden " + std::to_string(hidden) + " animation " + std::to_string(animation));
+  }
+  bool asks = true;
+  Strings calls;
+};
+
+struct AppDelegateTest : ::testing::Test {
+  fakes::FakePlatform fake;
+  FakeScreen screen;
+  AppDelegate delegate{{fake.device, screen, fake.log}};
+};
+
+TEST_F(AppDelegateTest, ChoosesTheLayoutByIdiomAndExactHeight) {
+  const struct {
+    std::optional<int> idiom;
+    Strings layout;  // none or one
+    std::vector<double> heights;
+  } rows[] = {
+      {0, {"Main_iPhone4s"}, {480}},
+      {0, {"Main_iPhone"}, {568}},
+      {0, {"Main_iPhone6"}, {667}},
+      {0, {"Main_iPhone6Plus"}, {736}},
+      {0, {"Main_iPhoneX"}, {812}},
+      {0, {"Main_iPhone12Pro"}, {844, 852, 874}},
+      {0, {"Main_iPhoneXSMax"}, {896}},
+      {0, {"Main_iPhone12ProMax"}, {926, 932, 956}},
+      {1, {"Main_iPad"}, {1024}},
+      {1, {"Main_iPad_Pro_10_5"}, {1080, 1112, 1180}},
+      {1, {"Main_iPad_Mini6"}, {1133}},
+      {1, {"Main_iPad_Pro_11"}, {1194, 1210}},
+      {1, {"Main_iPad_Pro"}, {1366, 1376}},
+      {0, {}, {700, 667.5, 1024}},
+      {1, {}, {844}},
+      {2, {}, {844}},
+      {{}, {}, {844}},
+  };
+  for (const auto& row : rows) {
+    for (const double height : row.heights) {
+      fake.device.idiom = row.idiom;
+      fake.device.height = height;
+      fake.log.lines.clear();
+      screen.calls.clear();
+      AppDelegate one({fake.device, screen, fake.log});
+      one.initializeStoryBoardBasedOnScreenSize();
+      EXPECT_EQ(one.hasWindow(), !row.layout.empty()) << height;
+      EXPECT_EQ(screen.calls, row.layout) << height;
+      EXPECT_EQ(fake.log.lines, Strings(row.idiom == 0 ? 5 : 0, "iPhone has a height of: " +
+                                                                    std::to_string(height)));
+    }
+  }
+}
+
+TEST_F(AppDelegateTest, HidesTheStatusBarAfterTheLayout) {
+  EXPECT_TRUE(delegate.applicationDidFinishLaunching());
+  screen.asks = false;
+  fake.device.height = 1;
+  EXPECT_TRUE(delegate.applicationDidFinishLaunching()) << "whatever is missing";
+  EXPECT_EQ(screen.calls, (Strings{"Main_iPhone12Pro", "asked, hidden 1", "hidden 1 animation 2"}));
+}
+
+// A run of the application over settings that outlast it.
+struct Launch : TerminalScreen {
+  explicit Launch(fakes::FakeSettings& settings, bool demo = false)
+      : platform{fake.input, fake.session, fake.players, fake.output, fake.runLoop,
+                 settings,   fake.device,  fake.bundle,  fake.log},
+        app(platform, demo) {
+    connect(app);
+  }
+  ~Launch() { LumoListener::releaseSharedListener(); }
+  void start() {
+    app.viewDidLoad();
+    app.viewWillAppear(false);
+  }
+  void play(double hertz) {
+    fake.input.queue->level = {0.1F, 0.2F};
+    fake.input.queue->deliver(
+        testing::toS16(testing::harmonics(7019.5, 4096 / 7019.5, hertz, {0.1, 0.05, 0.03, 0.02})));
+  }
+  Strings shown() const { return {freq_label.text(), noteDisplay.text(), LEDDisplay128.image()}; }
+
+  fakes::FakePlatform fake;
+  Platform platform;
+  ViewController app;
+};
+
+struct ViewControllerTest : ::testing::Test {
+  ViewControllerTest() { Launch(settings).start(); }
+  fakes::FakeSettings settings;  // as the first launch leaves them
+};
+
+TEST(FirstLaunch, WritesDefaultsAndRestoresNothing) {
+  fakes::FakeSettings settings;
+  settings.setInteger("kRatingPromptUseCount", 1);  // recorded a moment before
+  Launch run(settings);
+  run.micSensitivitySlider.setValue(3);
+  run.start();
+  EXPECT_EQ(settings.writes,
+            (Strings{"kRatingPromptUseCount", "(cleared)", "a4InHzSavedValue", "numberOfRuns",
+                     "SavedLanguage", "savedSliderValue", "soundNotificationEnabled",
+                     "stringSoundsEnabled", "frequencyChartEnabled", "numberOfRuns",
+                     "NewFirstLaunchCello"}));
+  EXPECT_EQ(settings.unsynchronized, 0);
+  EXPECT_EQ(settings.integerForKey("numberOfRuns"), 1);
+  EXPECT_EQ(settings.integerForKey("savedSliderValue"), 5);
+  EXPECT_FALSE(run.app.feedback().soundNotificationOn) << "the beep waits for the next launch";
+  EXPECT_FALSE(run.soundNotificationSwitch.isOn());
+  EXPECT_EQ(run.micSensitivitySlider.value(), 3);
+  EXPECT_EQ(run.app.sensitivity().micSensitivityValue, 0);
+  EXPECT_EQ(run.app.setA440btn->backgroundImage(), "selectedFreqBg.png");
+  EXPECT_EQ((Strings{run.currentTemperamentName.text(), run.calibrationFrequencyValue.text(),
+                     run.stringFrequencies[0].text(), run.hZLabel.text(), run.aboutMsg2.text()}),
+            (Strings{"[a440T]", "440", "A3 = 220.0Hz", "[HzTitle]", "[TunerAboutMsg2]"}));
+}
+
+TEST_F(ViewControllerTest, LaterLaunchesRestore) {
+  settings.setInteger("a4InHzSavedValue", 437);
+  settings.setBool("frequencyChartEnabled", false);
+  settings.setBool("stringSoundsEnabled", true);
+  settings.setDouble("savedSliderValue", 2.9);
+  Launch run(settings);
+  run.freqChartSwitch.setOn(true);
+  run.start();
+  EXPECT_EQ(settings.integerForKey("numberOfRuns"), 2);
+  EXPECT_TRUE(run.app.feedback().soundNotificationOn && run.soundNotificationSwitch.isOn());
+  EXPECT_TRUE(run.app.feedback().stringSoundsOn && run.stringSoundsSwitch.isOn());
+  EXPECT_FALSE(run.freqChartSwitch.isOn());
+  EXPECT_EQ(run.micSensitivitySlider.value(), 2);
+  EXPECT_EQ(run.app.sensitivity().bottomLimit, 0.002) << "thresholds follow the slider only";
+  EXPECT_EQ(run.setFrequencyValueStepper.value(), 437);
+  EXPECT_EQ(run.currentTemperamentName.text(), "");
+  EXPECT_EQ(run.app.setA440btn->backgroundImage(), "");
+  EXPECT_EQ(run.stringFrequencies[0].text(), "A3 = 218.5Hz") << "the chart is on in every run";
+  EXPECT_EQ(run.app.stringReferences()[0].frequency, stringFrequencies(437)[0]);
+  for (const char* what : {"set frequency", "saved frequency", "A4 calibration"}) {
+    EXPECT_EQ(run.fake.log.count("Current " + std::string(what) + " is:437"), 1) << what;
+  }
+}
+
+TEST_F(ViewControllerTest, StrangeStoredValuesAreBorne) {
+  constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
+  settings.setInteger("numberOfRuns", kMost - 1);
+  settings.setInteger("soundNotificationEnabled", 2);
+  settings.setInteger("stringSoundsEnabled", -1);
+  for (const double index : {1e300, -0x1p63, std::nan(""), HUGE_VAL}) {
+    settings.setDouble("savedSliderValue", index);
+    Launch run(settings);
+    run.micSensitivitySlider.setValue(5);
+    run.stringSoundsSwitch.setOn(true);
+    run.start();
+    EXPECT_EQ(run.micSensitivitySlider.value(), 0) << index;
+    EXPECT_EQ(settings.integerForKey("numberOfRuns"), kMost) << "it does not turn over";
+    EXPECT_FALSE(run.app.feedback().soundNotificationOn);
+    EXPECT_TRUE(run.stringSoundsSwitch.isOn());
+  }
+}
+
+TEST_F(ViewControllerTest, ATuningForkLeftOpenSilencesTheBeepUntilTheSwitchIsUsed) {
+  Launch(settings).app.disableTemporarilySoundConfirmation();
+  Launch run(settings);
+  run.start();
+  EXPECT_TRUE(run.soundNotificationSwitch.isOn());
+  EXPECT_FALSE(run.app.feedback().soundNotificationOn);
+  run.app.soundNotificationAction(run.soundNotificationSwitch);
+  EXPECT_TRUE(run.app.feedback().soundNotificationOn);
+}
+
+TEST_F(ViewControllerTest, StartsInOrderAndKeepsEveryTimer) {
+  for (const bool fails : {false, true}) {
+    Launch run(settings);
+    if (fails) run.fake.session.categoryError = "busy";
+    run.start();
+    EXPECT_TRUE(run.fake.device.idleTimerDisabled);
+    Strings calls{"record 8", "measurement", "active", "playback 0", "record 8", "active"};
+    if (fails) calls = {"record 8", "measurement", "playback 0"};
+    EXPECT_EQ(run.fake.session.calls, calls);
+    EXPECT_EQ(run.fake.log.count("Error creating session: busy"), fails);
+    EXPECT_EQ(run.fake.log.count("Demo mode OFF, Sound detection started..."), 1);
+    EXPECT_EQ(run.fake.input.queue->starts, 1);
+    EXPECT_EQ(run.app.tuningFork().synthesizer().curTone, ToneSynthesizer::Square);
+    EXPECT_EQ(run.app.timer, 2) << "the volume check's";
+    run.app.viewWillAppear(false);
+    EXPECT_EQ(run.fake.runLoop.timers, (std::vector{0.1, 0.5, 0.5}));
+    EXPECT_EQ(run.fake.output.unitsMade, 2);
+  }
+}
+
+TEST_F(ViewControllerTest, ANoteGoesFromTheMicrophoneToTheLamp) {
+  Launch run(settings);
+  run.start();
+  run.play(stringFrequencies(440)[1]);
+  run.fake.runLoop.advance(1.1);
+  EXPECT_EQ(run.shown(), (Strings{"146.8Hz", "D3", "green128.png"}));
+  EXPECT_EQ(run.fake.players.plays, 1);
+  EXPECT_NEAR(static_cast<double>(run.app.lastReading().frequency), 146.83, 0.22);
+  run.play(150.0);
+  run.fake.runLoop.advance(0.1);
+  EXPECT_NEAR(std::stod(run.freq_label.text()), 150, 0.3);
+  EXPECT_EQ(run.noteDisplay.text(), "D3");
+  run.fake.input.queue->level = {};
+  run.fake.runLoop.advance(0.1);
+  EXPECT_EQ(run.shown(), (Strings{"", "", "yellow128.png"}));
+}
+
+TEST_F(ViewControllerTest, PresetsTakeTheRingsAwayAndTonesFollowThemNotTheStepper) {
+  Launch run(settings);
+  run.start();
+  run.app.displayTunedString(1);
+  run.setFrequencyValueStepper.setValue(466);
+  run.app.setFrequencyValue(run.setFrequencyValueStepper);
+  EXPECT_EQ(run.rings[0].image(), "ring1.png");
+  run.app.playC2();
+  EXPECT_EQ(run.tfnoteDisplay.text(), "C2");
+  EXPECT_NEAR(run.app.tuningFork().synthesizer().toneFrequency, 65.4064F, 1e-4);
+  EXPECT_EQ(run.fake.output.starts, 1);
+  run.app.stopFreqPlay();
+  EXPECT_EQ(run.fake.output.stops, 1);
+  run.app.setA441();
+  EXPECT_EQ(run.rings[0].image(), "");
+  EXPECT_NEAR(run.app.stringReferences()[0].toleranceBase, 220.5, 1e-8);
+}
+
+TEST_F(ViewControllerTest, TheDemonstrationIsFrozenAndSilent) {
+  Launch run(settings, true);
+  run.start();
+  EXPECT_EQ(run.fake.input.queuesMade + run.fake.output.unitsMade, 0);
+  EXPECT_EQ(run.fake.runLoop.timers, std::vector{0.5}) << "the volume check only";
+  EXPECT_EQ(run.shown(), (Strings{"220.0Hz", "A3", "green128.png"}));
+  EXPECT_EQ(run.tunedString5.image(), "1st_string_6plus.png");
+  run.app.setA415();
+  EXPECT_EQ(run.shown(), (Strings{"207.5Hz", "A3", "green128.png"}));
+  EXPECT_EQ(run.rings[0].image(), "ring1.png");
+  run.app.playD3();
+  EXPECT_EQ(run.tfnoteDisplay.text(), "D3");
+  EXPECT_EQ(run.fake.output.starts, 0);
+  EXPECT_EQ(run.fake.log.count("Demo mode ON. No sound detection available."), 1);
+}
+
+TEST_F(ViewControllerTest, ALayoutWithoutOutletsIsHarmless) {
+  Launch run(settings);
+  ViewController app(run.platform, false);
+  app.viewDidLoad();
+  app.viewWillAppear(false);
+  run.play(220);
+  run.fake.runLoop.advance(0.5);
+  Switch on;
+  Slider slider;
+  app.soundNotificationAction(on);
+  app.micSensitivity(slider);
+  app.demoMode();
+  EXPECT_EQ(app.freq_label->text(), "") << "an empty place keeps nothing";
+  EXPECT_EQ(app.sensitivity().bottomLimit, 0.007) << "no slider reads as 0";
+}
+
+}  // namespace
+}  // namespace endpin
