@@ -1,0 +1,268 @@
+// The settings store, alone and in programs that are killed, run out of disk or may not write.
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <csignal>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <random>
+#include <thread>
+
+#include "adapters/sqlite/SqliteStore.h"
+#include "adapters/sqlite/StorePath.h"
+#include "tests/fakes/FakePlatform.h"
+#include "tests/support/TempDirectory.h"
+
+namespace endpin {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::ExitedWithCode;
+
+struct SettingsTest : ::testing::Test {
+  testing::TempDirectory folder;
+  std::string path = folder.file("settings.db");
+  fakes::FakeLog log;
+};
+
+// Ends a program without cleaning up; its exit code is the number of lines in the log.
+[[noreturn]] void exitWith(const fakes::FakeLog& log) {
+  for (const std::string& line : log.lines) std::cerr << line << '\n';
+  _exit(static_cast<int>(log.lines.size()));
+}
+
+TEST_F(SettingsTest, ValuesComeBackAsTheyWere) {
+  const std::string bytes("a\0\xff'; DROP TABLE settings", 25);
+  path = folder.file("deep/er/settings.db");
+  const auto write = [&] {
+    SqliteStore store(path, log);
+    store.setBool("yes", true);
+    store.setInteger("least", INT64_MIN);
+    store.setDouble("half", 0.1);
+    store.setDouble("tiny", 4.9e-324);
+    store.setDouble("nan", std::nan(""));
+    store.setString("text", "433.5 H\xc3\xa4nde");
+    store.setString("empty", "");
+    store.setString(bytes, bytes);
+    store.setBool("retyped", true);
+    store.setString("retyped", "x");
+    store.synchronize();
+    exitWith(log);
+  };
+  EXPECT_EXIT(write(), ExitedWithCode(0), "");
+  const SqliteStore store(path, log);
+  for (const auto& [key, text] : std::map<std::string, std::string>{
+           {"yes", "1"},
+           {"least", "-9223372036854775808"},
+           {"half", "0.1"},
+           {"tiny", "5e-324"},
+           {"nan", "nan"},
+           {"text", "433.5 H\xc3\xa4nde"},
+           {"empty", ""},
+           {bytes, bytes},
+           {"retyped", "x"}}) {
+    EXPECT_EQ(store.stringForKey(key), text);
+  }
+  EXPECT_EQ(store.integerForKey("text"), 433);
+  EXPECT_EQ(store.doubleForKey("text"), 433.5);
+  EXPECT_TRUE(store.boolForKey("half"));
+  EXPECT_FALSE(store.integerForKey("missing") || store.boolForKey("missing") ||
+               store.doubleForKey("missing") || store.stringForKey("missing"));
+  EXPECT_TRUE(log.lines.empty());
+  for (const char* name : {"deep", "deep/er"}) {
+    EXPECT_EQ(fs::status(folder.file(name)).permissions(), fs::perms::owner_all) << name;
+  }
+}
+
+TEST_F(SettingsTest, RemoveAllReachesTheFileWithWhatFollows) {
+  {
+    SqliteStore store(path, log);
+    store.setInteger("old", 7);
+    store.setInteger("kept", 1);
+    store.synchronize();
+    store.setInteger("unwritten", 1);
+    store.removeAll();
+    store.setInteger("kept", 2);
+    EXPECT_EQ(SqliteStore(path, log).integerForKey("old"), 7) << "cleared before synchronize";
+    store.synchronize();
+    EXPECT_EQ(SqliteStore(path, log).stringForKey("old"), std::nullopt);
+    store.setInteger("last", 3);
+  }
+  EXPECT_EQ(SqliteStore(path, log).integerForKey("kept"), 2);
+  EXPECT_EQ(SqliteStore(path, log).integerForKey("last"), 3);
+  EXPECT_TRUE(log.lines.empty());
+}
+
+// Both keys change together, every fifth time after everything has been forgotten. From the first
+// change on there is not much time left.
+void countUntilKilled(const std::string& path, int microseconds, std::atomic<std::int64_t>& count) {
+  fakes::FakeLog log;
+  SqliteStore store(path, log);
+  const std::int64_t begin = store.integerForKey("counter");
+  for (std::int64_t n = begin + 1;; ++n) {
+    if (n % 5 == 0) store.removeAll();
+    store.setInteger("counter", n);
+    store.setInteger("mirror", n);
+    store.synchronize();
+    count = n;
+    const itimerval untilKilled{{}, {0, microseconds}};
+    if (n == begin + 1) setitimer(ITIMER_REAL, &untilKilled, nullptr);
+  }
+}
+
+TEST_F(SettingsTest, NothingIsLostByProgramsThatAreKilled) {
+  auto& count = *new (mmap(nullptr, sizeof(std::atomic<std::int64_t>), PROT_READ | PROT_WRITE,
+                           MAP_SHARED | MAP_ANONYMOUS, -1, 0)) std::atomic<std::int64_t>(0);
+  std::mt19937 random(20240817);
+  std::uniform_int_distribution<int> microseconds(1, 20000);
+  for (int round = 0; round < 200; ++round) {
+    const std::int64_t before = count;
+    ASSERT_EXIT(countUntilKilled(path, microseconds(random), count),
+                ::testing::KilledBySignal(SIGALRM), "");
+    ASSERT_GT(count, before);
+    const SqliteStore store(path, log);
+    const std::int64_t counter = store.integerForKey("counter");
+    ASSERT_TRUE(counter == count || counter == count + 1) << counter << " not " << count;
+    ASSERT_EQ(store.integerForKey("mirror"), counter) << "half a change, round " << round;
+    ASSERT_TRUE(log.lines.empty()) << "round " << round;
+  }
+}
+
+void setFileSizeLimit(rlim_t bytes) {
+  rlimit limit{};
+  getrlimit(RLIMIT_FSIZE, &limit);
+  limit.rlim_cur = std::min(bytes, limit.rlim_max);
+  setrlimit(RLIMIT_FSIZE, &limit);
+}
+
+TEST_F(SettingsTest, GoOnInMemoryOnAFullDisk) {
+  const auto fillDisk = [&] {
+    SqliteStore store(path, log);
+    store.setInteger("old", 1);
+    store.setInteger("before", 1);
+    store.synchronize();
+    signal(SIGXFSZ, SIG_IGN);
+    setFileSizeLimit(32 * 1024);
+    store.removeAll();
+    store.setInteger("before", 2);
+    for (int i = 0; i < 20; ++i) {
+      store.setString("large" + std::to_string(i), std::string(8192, 'x'));
+      if (i > 5) store.synchronize();  // too much from the first time on
+    }
+    std::cerr << "in memory " << store.stringForKey("large19")->size() << '\n';
+    setFileSizeLimit(RLIM_INFINITY);
+    store.setInteger("after", 1);
+    store.synchronize();
+    exitWith(log);
+  };
+  EXPECT_EXIT(fillDisk(), ExitedWithCode(2),
+              "in memory 8192.*cannot be written \\(.*can be written again");
+  const SqliteStore store(path, log);
+  EXPECT_TRUE(log.lines.empty());
+  EXPECT_EQ(store.integerForKey("old"), 0);
+  EXPECT_EQ(store.integerForKey("before"), 2);
+  EXPECT_EQ(store.integerForKey("after"), 1);
+  EXPECT_EQ(store.stringForKey("large19").value_or("").size(), 8192U);
+}
+
+TEST_F(SettingsTest, ReadAndGoOnInMemoryWhereTheyMayNotWrite) {
+  SqliteStore(path, log).setInteger("counter", 41);
+  chmod(path.c_str(), 0444);
+  chmod(folder.path().c_str(), 0555);
+  const auto countOnce = [&](const std::string& file) {
+    if (getuid() == 0 && setresuid(65534, 65534, 65534) != 0) _exit(99);  // root may write anywhere
+    {
+      SqliteStore store(file, log);
+      store.setInteger("counter", store.integerForKey("counter") + 1);
+      store.synchronize();
+      std::cerr << "counted " << store.integerForKey("counter") << '\n';
+    }
+    exitWith(log);
+  };
+  EXPECT_EXIT(countOnce(path), ExitedWithCode(1), "counted 42\n.*until the program ends");
+  EXPECT_EXIT(countOnce(folder.file("new/settings.db")), ExitedWithCode(1),
+              "counted 1\n.*until the program ends");
+  chmod(folder.path().c_str(), 0700);
+}
+
+TEST_F(SettingsTest, DamagedFilesAreKeptAside) {
+  const struct {
+    const char* name;
+    void (*ruin)(std::string& content);
+  } rows[] = {
+      {"no database, short", [](std::string& file) { file = "hello"; }},
+      {"no database, long", [](std::string& file) { file.assign(9000, 'x'); }},
+      {"no such column", [](std::string& file) { file.replace(file.find("type TEXT"), 4, "kind"); }},
+      {"header gone", [](std::string& file) { file.replace(0, 40, 40, '\0'); }},
+      {"table page gone", [](std::string& file) { file.replace(4096, 4096, 4096, '\x7f'); }},
+      {"rows out of order", [](std::string& file) { file[file.find("kept")] = 'z'; }},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    path = folder.file(std::string(row.name) + "/settings.db");
+    log.lines.clear();
+    {
+      SqliteStore store(path, log);
+      for (const char* key : {"counter", "kept", "other"}) store.setInteger(key, 5);
+    }
+    std::ifstream sound(path, std::ios::binary);
+    std::string content(std::istreambuf_iterator<char>(sound), {});
+    row.ruin(content);
+    std::ofstream(path, std::ios::binary) << content;
+    {
+      SqliteStore store(path, log);
+      EXPECT_EQ(store.integerForKey("counter"), 0);
+      store.setInteger("counter", 6);
+    }
+    ASSERT_EQ(log.lines.size(), 1U);
+    int kept = 0;
+    for (const auto& file : fs::directory_iterator(fs::path(path).parent_path())) {
+      const std::string name = file.path().filename();
+      if (name.find(".corrupt-") == name.npos) continue;
+      ++kept;
+      EXPECT_NE(log.lines[0].find(name), std::string::npos) << log.lines[0];
+      EXPECT_EQ(file.file_size(), content.size());
+    }
+    EXPECT_EQ(kept, 1);
+    EXPECT_EQ(SqliteStore(path, log).integerForKey("counter"), 6);
+  }
+}
+
+TEST_F(SettingsTest, ThreadsWriteAndReadAtOnce) {
+  constexpr int kRounds = 300;
+  SqliteStore store(path, log);
+  const auto write = [&store](const std::string& name) {
+    for (int i = 1; i <= kRounds; ++i) {
+      store.setInteger(name, i);
+      store.setInteger(name + std::to_string(i % 10), i);
+      EXPECT_EQ(store.integerForKey(name), i);
+      store.synchronize();
+    }
+  };
+  std::thread first(write, "first");
+  write("second");
+  first.join();
+  const SqliteStore beside(path, log);
+  EXPECT_EQ(beside.integerForKey("first"), kRounds);
+  EXPECT_EQ(beside.integerForKey("second"), kRounds);
+  EXPECT_TRUE(log.lines.empty());
+}
+
+TEST_F(SettingsTest, DefaultPathFollowsTheEnvironment) {
+  setenv("HOME", "/home/me", 1);
+  for (const auto& [data, expected] : {std::pair{"/data", "/data/endpin/settings.db"},
+                                       {"relative", "/home/me/.local/share/endpin/settings.db"},
+                                       {"", "/home/me/.local/share/endpin/settings.db"}}) {
+    setenv("XDG_DATA_HOME", data, 1);
+    EXPECT_EQ(defaultStorePath(), expected) << data;
+  }
+}
+
+}  // namespace
+}  // namespace endpin
