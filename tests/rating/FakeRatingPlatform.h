@@ -40,15 +40,16 @@ struct Fake : Base, Shown {
   std::shared_ptr<ScreenController> presented;
 };
 
+using Strings = std::vector<std::string>;
+
 // An alert of either generation.
 struct FakeAlert final : Fake<ModernAlert>, LegacyAlert {
   void addAction(const std::string& title, AlertActionStyle style, Handler handler) override {
-    buttons.push_back(title);
-    styles += std::to_string(static_cast<int>(style));
-    handlers.push_back(std::move(handler));
+    buttons += style == AlertActionStyle::Cancel ? "(" + title + ")" : "[" + title + "]";
+    handlers.push_back([handler = std::move(handler), title] { handler(title); });
   }
   bool viewHasSuperview() const override { return onScreen; }
-  void addButtonWithTitle(const std::string& title) override { buttons.push_back(title); }
+  void addButtonWithTitle(const std::string& title) override { buttons += "[" + title + "]"; }
   void show() override { onScreen = true; }
   void dismissWithClickedButtonIndex(std::int64_t index, bool) override {
     onScreen = false;
@@ -58,11 +59,10 @@ struct FakeAlert final : Fake<ModernAlert>, LegacyAlert {
   void press(std::size_t button) {
     if (didDismiss) return dismissWithClickedButtonIndex(static_cast<std::int64_t>(button), true);
     onScreen = false;
-    handlers.at(button)(buttons.at(button));
+    handlers.at(button)();
   }
-  std::string text, styles;  // TITLE|MESSAGE; 1 for a cancel button, 0 for others
-  std::vector<std::string> buttons;
-  std::vector<Handler> handlers;
+  std::string text, buttons;  // TITLE|MESSAGE, [TITLE], (TITLE) for the cancel button
+  std::vector<std::function<void()>> handlers;
   DidDismiss didDismiss;
 };
 
@@ -74,13 +74,16 @@ struct FakeSheet final : Fake<StoreSheet> {
 };
 
 struct FakeWindow final : ScreenWindow {
+  FakeWindow(std::vector<ScreenView*> inside = {}, ScreenController* responder = nullptr,
+             double height = 0)
+      : views(std::move(inside)), controller(responder), level(height) {}
   std::vector<ScreenView*> subviews() const override { return views; }
   ScreenController* nextResponderViewController() const override { return controller; }
   double windowLevel() const override { return level; }
   ScreenController* rootViewController() const override { return controller; }
-  std::vector<ScreenView*> views;
-  ScreenController* controller = nullptr;
-  double level = 0;
+  const std::vector<ScreenView*> views;
+  ScreenController* const controller;
+  const double level;
 };
 
 // All the small ports at once, and a world with one window.
@@ -104,11 +107,7 @@ struct FakeRatingPlatform : Clock,
     std::deque<Action>& work;
   };
 
-  FakeRatingPlatform() {
-    window.views = {&view};
-    view.controller = window.controller = &root;
-    bundle.info = {{"CFBundleVersion", "1.0"}, {"CFBundleName", "Endpin"}};
-  }
+  FakeRatingPlatform() { bundle.info = {{"CFBundleVersion", "1.0"}, {"CFBundleName", "Endpin"}}; }
   FakeRatingPlatform(const FakeRatingPlatform&) = delete;
   ~FakeRatingPlatform() override { RatingPrompt::releaseSharedInstance(); }
 
@@ -158,7 +157,7 @@ struct FakeRatingPlatform : Clock,
                                         const std::string& cancel) override {
     static_cast<void>(newAlert(title, message, AlertControllerStyle::Alert));
     alert->didDismiss = std::move(call);
-    alert->buttons = {cancel};
+    alert->buttons = "(" + cancel + ")";
     return alert;
   }
 
@@ -193,10 +192,10 @@ struct FakeRatingPlatform : Clock,
   FakeBundle bundle;
   const Bundle* ownBundle = nullptr;
   FakeLog log;
-  std::vector<std::string> urls;
+  Strings urls;
   Action resign;
   Fake<ScreenController> root;
-  FakeWindow view, window;
+  FakeWindow view{{}, &root}, window{{&view}, &root};
   ScreenWindow* key = &window;
   std::vector<ScreenWindow*> allWindows;
   std::atomic<int> probes = 0;

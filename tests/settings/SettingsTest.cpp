@@ -57,16 +57,16 @@ TEST_F(SettingsTest, ValuesComeBackAsTheyWere) {
   };
   EXPECT_EXIT(write(), ExitedWithCode(0), "");
   const SqliteStore store(path, log);
-  for (const auto& [key, text] : std::map<std::string, std::string>{
-           {"yes", "1"},
-           {"least", "-9223372036854775808"},
-           {"half", "0.1"},
-           {"tiny", "5e-324"},
-           {"nan", "nan"},
-           {"text", "433.5 H\xc3\xa4nde"},
-           {"empty", ""},
-           {bytes, bytes},
-           {"retyped", "x"}}) {
+  for (const auto& [key, text] :
+       std::map<std::string, std::string>{{"yes", "1"},
+                                          {"least", "-9223372036854775808"},
+                                          {"half", "0.1"},
+                                          {"tiny", "5e-324"},
+                                          {"nan", "nan"},
+                                          {"text", "433.5 H\xc3\xa4nde"},
+                                          {"empty", ""},
+                                          {bytes, bytes},
+                                          {"retyped", "x"}}) {
     EXPECT_EQ(store.stringForKey(key), text);
   }
   EXPECT_EQ(store.integerForKey("text"), 433);
@@ -198,7 +198,8 @@ TEST_F(SettingsTest, DamagedFilesAreKeptAside) {
   } rows[] = {
       {"no database, short", [](std::string& file) { file = "hello"; }},
       {"no database, long", [](std::string& file) { file.assign(9000, 'x'); }},
-      {"no such column", [](std::string& file) { file.replace(file.find("type TEXT"), 4, "kind"); }},
+      {"no such column",
+       [](std::string& file) { file.replace(file.find("type TEXT"), 4, "kind"); }},
       {"header gone", [](std::string& file) { file.replace(0, 40, 40, '\0'); }},
       {"table page gone", [](std::string& file) { file.replace(4096, 4096, 4096, '\x7f'); }},
       {"rows out of order", [](std::string& file) { file[file.find("kept")] = 'z'; }},
