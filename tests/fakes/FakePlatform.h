@@ -8,6 +8,7 @@
 #include <mutex>
 #include <set>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -44,6 +45,12 @@ struct FakeRunLoop final : VirtualRunLoop {
 };
 
 struct FakeSettings final : MemoryStore {
+  // Lets others go between a reading and the writing after it.
+  std::int64_t integerForKey(std::string_view key) const override {
+    const std::int64_t value = MemoryStore::integerForKey(key);
+    std::this_thread::yield();
+    return value;
+  }
   void removeAll() override {
     MemoryStore::removeAll();
     note("(cleared)");

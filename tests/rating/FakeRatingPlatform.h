@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
-
 #include "rating/RatingPrompt.h"
 #include "tests/fakes/FakePlatform.h"
 
