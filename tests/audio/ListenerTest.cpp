@@ -4,70 +4,66 @@
 
 #include <atomic>
 #include <cmath>
-#include <numbers>
 #include <thread>
 #include <vector>
 
 #include "tests/fakes/FakePlatform.h"
+#include "tests/support/Tone.h"
 
 namespace endpin {
 namespace {
 
-using fakes::FakePlatform;
+using Lines = std::vector<std::string>;
 
-std::vector<std::int16_t> blockOf(double hertz) {
-  std::vector<std::int16_t> samples(4096);
-  for (std::size_t n = 0; n < samples.size(); ++n) {
-    double sum = 0;
-    for (int h = 1; h <= 4; ++h) {
-      sum +=
-          5000.0 / h * std::sin(2 * std::numbers::pi * hertz * h * static_cast<double>(n) / 7019.5);
-    }
-    samples[n] = static_cast<std::int16_t>(sum);
-  }
-  return samples;
-}
-
-class ListenerTest : public testing::Test {
+class ListenerTest : public ::testing::Test {
  protected:
   ListenerTest() { LumoListener::usePorts({fake_.input, fake_.session, fake_.log}); }
   ~ListenerTest() override { LumoListener::releaseSharedListener(); }
 
-  LumoListener& listener() { return *LumoListener::sharedListener(); }
+  static LumoListener& listener() { return *LumoListener::sharedListener(); }
   fakes::FakeInputQueue& queue() { return *fake_.input.queue; }
 
-  FakePlatform fake_;
+  // A block of that pitch arrives.
+  bool hear(double hertz) {
+    return queue().deliver(testing::toS16(testing::bowedTone(7019.5, 4096 / 7019.5, hertz)));
+  }
+
+  fakes::FakePlatform fake_;
 };
 
-TEST_F(ListenerTest, IsASingleton) {
-  LumoListener* shared = LumoListener::sharedListener();
-  EXPECT_EQ(LumoListener::sharedListener(), shared);
+TEST_F(ListenerTest, OneInstanceHoweverManyThreadsAskFirst) {
+  std::vector<LumoListener*> seen(4);
+  std::vector<std::thread> threads;
+  for (auto& slot : seen) threads.emplace_back([&slot] { slot = LumoListener::sharedListener(); });
+  for (auto& thread : threads) thread.join();
+  for (const auto* instance : seen) EXPECT_EQ(instance, &listener());
   EXPECT_EQ(LumoListener::allocWithZone(), nullptr);
-  EXPECT_EQ(shared->copyWithZone(), shared);
+  EXPECT_EQ(listener().copyWithZone(), &listener());
 }
 
 TEST_F(ListenerTest, ConfiguresTheSessionAndLogsItsFailures) {
-  listener();
-  EXPECT_EQ(fake_.session.calls, (std::vector<std::string>{"playback 0", "record 8", "active"}));
-  EXPECT_TRUE(fake_.log.lines.empty());
+  const auto live = [this] {
+    fake_.session.calls.clear();
+    fake_.log.lines.clear();
+    listener();
+    LumoListener::releaseSharedListener();
+  };
+  live();
+  EXPECT_EQ(fake_.session.calls, (Lines{"playback 0", "record 8", "active", "inactive"}));
+  EXPECT_EQ(fake_.log.lines, Lines{});
 
-  LumoListener::releaseSharedListener();
-  fake_.session.calls.clear();
   fake_.session.activeError = "busy";
-  listener();
-  LumoListener::releaseSharedListener();
-  EXPECT_EQ(fake_.log.lines, (std::vector<std::string>{"busy", "busy"})) << "on and off";
+  live();
+  EXPECT_EQ(fake_.log.lines, (Lines{"busy", "busy"})) << "on and off";
 
-  fake_.session.calls.clear();
-  fake_.log.lines.clear();
   fake_.session.categoryError = "no such category";
-  listener();
-  EXPECT_EQ(fake_.session.calls, (std::vector<std::string>{"playback 0"}));
-  EXPECT_EQ(fake_.log.lines,
-            (std::vector<std::string>{"init Error setting category: no such category"}));
+  live();
+  EXPECT_EQ(fake_.session.calls, (Lines{"playback 0", "inactive"}));
+  EXPECT_EQ(fake_.log.lines, (Lines{"init Error setting category: no such category", "busy"}));
 }
 
-TEST_F(ListenerTest, ListensOnceHoweverOftenItIsTold) {
+TEST_F(ListenerTest, ListensOnceHoweverOftenItIsToldAndAnewAfterItStopped) {
+  listener().stop();
   listener().listen();
   listener().listen();
   EXPECT_EQ(fake_.input.queuesMade, 1);
@@ -79,12 +75,22 @@ TEST_F(ListenerTest, ListensOnceHoweverOftenItIsTold) {
   EXPECT_EQ(fake_.input.format.mSampleRate, 7019.5);
   EXPECT_EQ(fake_.input.format.mFormatFlags, 12U);
   EXPECT_EQ(fake_.input.format.mBitsPerChannel, 16U);
+  listener().stop();
+  EXPECT_FALSE(listener().isListening());
+  listener().listen();
+  EXPECT_EQ(fake_.input.queuesMade, 2);
+  EXPECT_TRUE(listener().isListening());
 }
 
 TEST_F(ListenerTest, AnswersNothingWithoutAQueueOrABlock) {
+  fake_.input.works = false;
+  listener().listen();
+  EXPECT_FALSE(listener().isListening());
   EXPECT_EQ(listener().frequency(), 0.0F);
   EXPECT_EQ(listener().averagePower(), 0.0F);
   EXPECT_EQ(listener().levels(), nullptr);
+
+  fake_.input.works = true;
   listener().listen();
   queue().level = {0.25F, 0.5F};
   EXPECT_EQ(listener().frequency(), 0.0F);
@@ -95,73 +101,37 @@ TEST_F(ListenerTest, AnswersNothingWithoutAQueueOrABlock) {
   EXPECT_EQ(listener().averagePower(), 0.0F);
 }
 
-TEST_F(ListenerTest, SurvivesAPlatformWithoutAMicrophone) {
-  fake_.input.works = false;
+TEST_F(ListenerTest, KeepsTheNewestBlockAndLosesTheBuffersOfAPause) {
   listener().listen();
-  EXPECT_FALSE(listener().isListening());
-  EXPECT_EQ(listener().frequency(), 0.0F);
-  fake_.input.works = true;
-  listener().listen();
-  EXPECT_TRUE(listener().isListening());
-}
-
-TEST_F(ListenerTest, KeepsTheNewestBlockAndGivesTheBufferBack) {
-  listener().listen();
-  ASSERT_TRUE(queue().deliver(blockOf(146.8)));
-  EXPECT_EQ(queue().queuedBuffers(), 3U);
+  ASSERT_TRUE(hear(146.8));
+  EXPECT_EQ(queue().queuedBuffers(), 3U) << "the buffer went back";
   EXPECT_NEAR(listener().frequency(), 146.8, 0.22);
-  ASSERT_TRUE(queue().deliver(blockOf(98)));
-  EXPECT_NEAR(listener().frequency(), 98, 0.22);
-}
-
-TEST_F(ListenerTest, DropsBuffersWhilePausedAndLosesThem) {
-  listener().listen();
-  ASSERT_TRUE(queue().deliver(blockOf(98)));
+  ASSERT_TRUE(hear(98));
   listener().pause();
   EXPECT_FALSE(listener().isListening());
-  ASSERT_TRUE(queue().deliver(blockOf(220)));
+  ASSERT_TRUE(hear(220));
   EXPECT_EQ(queue().queuedBuffers(), 2U);
   EXPECT_NEAR(listener().frequency(), 98, 0.22) << "the dropped block was not copied";
   listener().pause();
   EXPECT_EQ(queue().stops, 1) << "pausing a paused listener does nothing";
   listener().listen();
-  ASSERT_TRUE(queue().deliver(blockOf(220)));
+  ASSERT_TRUE(hear(220));
   EXPECT_NEAR(listener().frequency(), 220, 0.22);
 }
 
-TEST_F(ListenerTest, StopsAndStartsWithANewQueue) {
-  listener().stop();
-  listener().listen();
-  listener().stop();
-  EXPECT_FALSE(listener().isListening());
-  listener().listen();
-  EXPECT_EQ(fake_.input.queuesMade, 2);
-  EXPECT_TRUE(listener().isListening());
-}
-
-TEST_F(ListenerTest, FillsExactlyTheFirstHalfOfItsMemory) {
-  listener().listen();
-  const std::vector<std::int16_t> full(4096, 12345);
-  listener().setAudioBuffer(full.data(), 8192);
-  EXPECT_EQ(listener().frequency(), 0.0F) << "a constant block peaks at bin 0";
-  EXPECT_NEAR(listener().freq_db()[0], 12345.0 * 4096 / 16384, 0.01);
-}
-
-// Every snapshot is one block, never half of two: the two blocks swapped in by the capture thread
-// are constants, so that a mixture would show in the mean.
+// The blocks that the capture thread swaps in are constants: a mixture of two, or more than the
+// 4096 samples of one, would show in the mean.
 TEST_F(ListenerTest, CaptureAndFrequencyNeverMixBlocks) {
   listener().listen();
-  const std::vector<std::int16_t> high(4096, 16000);
-  const std::vector<std::int16_t> low(4096, 4000);
   std::atomic<bool> done = false;
   std::atomic<int> delivered = 0;
   std::thread capture([&] {
-    while (!done) {
-      queue().deliver(delivered % 2 == 0 ? high : low);
-      ++delivered;
+    for (; !done; ++delivered) {
+      const std::vector<std::int16_t> block(4096, delivered % 2 == 0 ? 16000 : 4000);
+      queue().deliver(block);
     }
   });
-  while (delivered == 0) std::this_thread::yield();
+  while (delivered < 2) std::this_thread::yield();
   for (int i = 0; i < 50; ++i) {
     listener().frequency();
     const double mean = listener().freq_db()[0] * 16384 / 4096;
@@ -169,15 +139,6 @@ TEST_F(ListenerTest, CaptureAndFrequencyNeverMixBlocks) {
   }
   done = true;
   capture.join();
-  EXPECT_GT(delivered, 1);
-}
-
-TEST_F(ListenerTest, OneInstanceHoweverManyThreadsAskFirst) {
-  std::vector<LumoListener*> seen(4);
-  std::vector<std::thread> threads;
-  for (auto& slot : seen) threads.emplace_back([&slot] { slot = LumoListener::sharedListener(); });
-  for (auto& thread : threads) thread.join();
-  for (const auto* instance : seen) EXPECT_EQ(instance, seen.front());
 }
 
 }  // namespace
