@@ -1,153 +1,227 @@
-// Rings, pictures, beep and its re-arm, the sound settings.
+// What one tick shows and sounds: texts, lamp, rings, pictures, beep and its re-arm.
 #include <gtest/gtest.h>
 
 #include <array>
 #include <optional>
+#include <set>
 
+#include "calibration/StringFrequencies.h"
 #include "tests/fakes/FakePlatform.h"
-#include "tuner/TunedStringFeedback.h"
+#include "tuner/DetectionTick.h"
 
 namespace endpin {
 namespace {
 
+StringReferences referencesAt(std::int64_t a4) {
+  StringReferences references;
+  const auto frequencies = stringFrequencies(a4);
+  for (std::size_t i = 0; i < 4; ++i) references[i] = {frequencies[i], frequencies[i]};
+  return references;
+}
+
 class FeedbackTest : public testing::Test {
  protected:
   FeedbackTest() {
+    outlets_.freq_label.connect(&frequency_);
+    outlets_.noteDisplay.connect(&note_);
+    outlets_.LEDDisplay.connect(&lamp_);
+    outlets_.tunedString.connect(&pictures_[0]);
+    outlets_.tunedString5.connect(&pictures_[1]);
+    outlets_.tunedStringiPad.connect(&pictures_[2]);
     outlets_.ring1.connect(&rings_[0]);
     outlets_.ring2.connect(&rings_[1]);
     outlets_.ring3.connect(&rings_[2]);
     outlets_.ring4.connect(&rings_[3]);
-    outlets_.tunedString.connect(&small_);
-    outlets_.tunedString5.connect(&phone_);
-    outlets_.tunedStringiPad.connect(&tablet_);
+    feedback_.soundNotificationOn = true;
+    feedback_.prepareBeepSound();
+  }
+
+  void tick(float hertz, float power = 0.1F) { tick_.run({power, hertz}, references_); }
+
+  void expectShown(const char* frequency, const char* note, const char* lamp, bool pictureHidden) {
+    EXPECT_EQ(frequency_.text(), frequency);
+    EXPECT_EQ(note_.text(), note);
+    EXPECT_EQ(lamp_.image(), lamp);
+    for (const ImageView& picture : pictures_) EXPECT_EQ(picture.hidden(), pictureHidden);
+  }
+  void expectRings(const std::set<int>& numbers) {
+    for (int number = 1; const ImageView& ring : rings_) {
+      const bool there = numbers.contains(number);
+      EXPECT_EQ(ring.image(), there ? "ring" + std::to_string(number) + ".png" : "");
+      EXPECT_EQ(feedback_.ringShown(number++), there);
+    }
   }
 
   fakes::FakePlatform fake_;
   TunerOutlets outlets_;
+  Label frequency_, note_;
+  ImageView lamp_;
+  std::array<ImageView, 3> pictures_;  // of small phones, other phones, tablets
   std::array<ImageView, 4> rings_;
-  ImageView small_;
-  ImageView phone_;
-  ImageView tablet_;
+  Sensitivity sensitivity_;
   TunedStringFeedback feedback_{
       outlets_,
       {fake_.players, fake_.runLoop, fake_.settings, fake_.device, fake_.bundle, fake_.log}};
+  int prompts_ = 0;
+  StringReferences references_ = referencesAt(440);
+  DetectionTick tick_{outlets_, sensitivity_, feedback_, fake_.runLoop, [this] { ++prompts_; }};
 };
 
+TEST_F(FeedbackTest, ShowsOneNoteFromSilenceToSilence) {
+  tick(0, 0);
+  expectShown("", "", "yellow64.png", true);
+  tick(220.3F);
+  expectShown("220.3Hz", "", "yellow64.png", true);
+  tick(220.2F);
+  expectShown("220.0Hz", "A3", "green64.png", false);
+  EXPECT_EQ(pictures_[1].image(), "1st_string_6plus.png");
+  expectRings({1});
+  tick(221.0F);
+  expectShown("221.0Hz", "A3", "green64.png", false);
+  EXPECT_EQ(tick_.lastMeasuredFrequency(), 221.0);
+  tick(98.0F, 0.003F);  // inside the hysteresis band: everything stays
+  expectShown("221.0Hz", "A3", "green64.png", false);
+  tick(1000.1F);
+  expectShown("", "", "yellow64.png", true);
+  expectRings({1});
+}
+
+TEST_F(FeedbackTest, OvertonesShowTheLastJudgement) {
+  tick(800.0F);
+  expectShown("", "", "", false);  // nothing was judged yet
+  tick(146.8F);
+  tick(700.0F);
+  expectShown("700.0Hz", "D3", "green64.png", false);
+  references_ = referencesAt(415);  // the text of the old calibration stays until the next match
+  tick(700.1F);
+  expectShown("146.8Hz", "D3", "green64.png", false);
+}
+
+TEST_F(FeedbackTest, PromptsAndRearmsForEveryTickThatMissesOnceAllAreTuned) {
+  for (const float hertz : {220.0F, 146.8F, 98.0F, 300.0F}) tick(hertz);
+  fake_.runLoop.advance(5);
+  EXPECT_EQ(prompts_, 0) << "one string is missing";
+  tick(65.4F);
+  for (int i = 0; i < 10; ++i) tick(300.0F);
+  tick(220.0F);  // a match schedules nothing
+  EXPECT_EQ(fake_.players.plays, 4);
+  fake_.runLoop.advance(1.9);
+  EXPECT_EQ(prompts_, 0);
+  fake_.runLoop.advance(2.0);
+  EXPECT_EQ(prompts_, 10);
+  tick(220.0F);
+  EXPECT_EQ(fake_.players.plays, 4);
+  fake_.runLoop.advance(0.2);
+  tick(220.0F);
+  EXPECT_EQ(fake_.players.plays, 5) << "re-armed after four seconds";
+}
+
 TEST_F(FeedbackTest, ShowsThePictureOfTheScreen) {
-  struct Row {
+  const struct {
     std::optional<int> idiom;
     double height;
     int string;
-    const char* small;
-    const char* phone;
-    const char* tablet;
+    const char* shown;  // on small phones, other phones, tablets; "-" is what was there before
+  } rows[] = {
+      {0, 480, 3, "3rd_string.png - -"},
+      {{}, 480, 1, "1st_string.png - -"},
+      {0, 568, 2, "- 2nd_string_5.png -"},
+      {0, 667, 3, "- 3rd_string_6.png -"},
+      {0, 736, 1, "- 1st_string_6plus.png -"},
+      {0, 956, 4, "- 4th_string_6plus.png -"},
+      {0, 844.5, 4, "- - -"},
+      {0, 1024, 1, "- - -"},
+      {1, 1024, 1, "- - 1st_string_iPad.png"},
+      {1, 1366, 1, "- - 1st_string_iPad_Pro.png"},
+      {1, 1133, 4, "- - 4th_string_iPad_Pro.png"},
+      {1, 1100, 1, "- - -"},
+      {1, 568, 1, "- - -"},
+      {2, 1024, 1, "- - -"},
   };
-  for (const Row& row : {
-           Row{0, 480, 3, "3rd_string.png", "old", "old"},
-           Row{{}, 480, 1, "1st_string.png", "old", "old"},
-           Row{0, 568, 2, "old", "2nd_string_5.png", "old"},
-           Row{0, 667, 3, "old", "3rd_string_6.png", "old"},
-           Row{0, 736, 1, "old", "1st_string_6plus.png", "old"},
-           Row{0, 896, 3, "old", "3rd_string_6plus.png", "old"},
-           Row{0, 956, 4, "old", "4th_string_6plus.png", "old"},
-           Row{0, 844.5, 4, "old", "old", "old"},
-           Row{0, 1024, 1, "old", "old", "old"},
-           Row{1, 1024, 1, "old", "old", "1st_string_iPad.png"},
-           Row{1, 1366, 1, "old", "old", "1st_string_iPad_Pro.png"},
-           Row{1, 1133, 4, "old", "old", "4th_string_iPad_Pro.png"},
-           Row{1, 1100, 1, "old", "old", "old"},
-           Row{1, 568, 1, "old", "old", "old"},
-           Row{2, 1024, 1, "old", "old", "old"},
-       }) {
+  for (const auto& row : rows) {
     fake_.device.idiom = row.idiom;
     fake_.device.height = row.height;
-    for (ImageView* view : {&small_, &phone_, &tablet_}) view->setImage("old");
-    feedback_.removeRings();
+    for (ImageView& view : pictures_) view.setImage("-");
     feedback_.displayTunedString(row.string);
-    EXPECT_EQ(small_.image(), row.small) << row.height;
-    EXPECT_EQ(phone_.image(), row.phone) << row.height;
-    EXPECT_EQ(tablet_.image(), row.tablet) << row.height;
-    EXPECT_EQ(rings_[static_cast<std::size_t>(row.string - 1)].image(),
-              "ring" + std::to_string(row.string) + ".png");
+    EXPECT_EQ(pictures_[0].image() + " " + pictures_[1].image() + " " + pictures_[2].image(),
+              row.shown);
   }
 }
 
 TEST_F(FeedbackTest, RingsAccumulateAndGoTogether) {
   feedback_.displayTunedString(0);
   feedback_.displayTunedString(5);
-  for (const ImageView& ring : rings_) EXPECT_EQ(ring.image(), "");
-  feedback_.displayTunedString(1);
-  feedback_.displayTunedString(4);
-  EXPECT_TRUE(feedback_.ringShown(1) && feedback_.ringShown(4));
-  EXPECT_EQ(rings_[0].image(), "ring1.png");
-  EXPECT_EQ(rings_[3].image(), "ring4.png");
-  phone_.setImage("picture");
+  expectRings({});
+  for (const int number : {1, 3, 4}) feedback_.displayTunedString(number);
+  expectRings({1, 3, 4});
+  pictures_[1].setImage("picture");
   feedback_.removeRings();
-  for (const ImageView& ring : rings_) EXPECT_EQ(ring.image(), "");
-  EXPECT_FALSE(feedback_.ringShown(1) || feedback_.ringShown(4));
-  EXPECT_EQ(phone_.image(), "picture") << "the picture stays";
+  expectRings({});
+  EXPECT_EQ(pictures_[1].image(), "picture") << "the picture stays";
 }
 
 TEST_F(FeedbackTest, BeepsOncePerStringUntilRearmed) {
-  feedback_.soundNotificationOn = true;
-  feedback_.prepareBeepSound();
   EXPECT_EQ(fake_.players.paths, (std::vector<std::string>{"/resources/beep-full.mp3"}));
-  for (int i = 0; i < 10; ++i) feedback_.playSoundOnce(1);
-  EXPECT_EQ(fake_.players.plays, 1);
-  EXPECT_EQ(fake_.runLoop.delayed.size(), 1U);
-  fake_.runLoop.advance(10);
-  feedback_.playSoundOnce(2);
-  EXPECT_EQ(fake_.players.plays, 2);
-  fake_.runLoop.advance(4.9);
-  feedback_.playSoundOnce(2);
-  EXPECT_EQ(fake_.players.plays, 2);
-  fake_.runLoop.advance(0.2);  // the first string's re-arm re-arms the second as well
-  feedback_.playSoundOnce(2);
-  EXPECT_EQ(fake_.players.plays, 3);
+  const struct {
+    double seconds;  // at which the string is in tune
+    int string;
+    int plays;  // since the beginning
+  } rows[] = {
+      {0, 1, 1},
+      {0, 1, 1},
+      {10, 2, 2},
+      {14.9, 2, 2},
+      {15.1, 2, 3},  // the first string's re-arm re-arms the second as well
+      {24.9, 2, 3},
+      {25.1, 2, 4},
+      {29.95, 2, 4},  // what did not sound, 15 seconds ago, re-arms
+                      // nothing
+      {30.2, 2, 5},
+  };
+  for (const auto& row : rows) {
+    fake_.runLoop.advance(row.seconds - fake_.runLoop.now);
+    feedback_.playSoundOnce(row.string);
+    EXPECT_EQ(fake_.players.plays, row.plays) << row.seconds;
+  }
   feedback_.resetTuningBools();
   EXPECT_TRUE(feedback_.stringTuned(1) && feedback_.stringTuned(2));
   EXPECT_FALSE(feedback_.allStringsTuned());
 }
 
-TEST_F(FeedbackTest, WithoutSoundOnlyTheMarkAndTheLogRemain) {
-  feedback_.prepareBeepSound();
+TEST_F(FeedbackTest, MarksTheStringWithoutSoundOrWithoutABeep) {
+  feedback_.soundNotificationOn = false;
   for (int i = 0; i < 10; ++i) feedback_.playSoundOnce(3);
   EXPECT_EQ(fake_.log.count("Sonido desactivado"), 10);
   EXPECT_TRUE(feedback_.stringTuned(3));
   EXPECT_FALSE(feedback_.beepPlayed(3));
-  EXPECT_EQ(fake_.players.plays, 0);
-}
-
-TEST_F(FeedbackTest, AMissingBeepIsSkippedButCounts) {
   fake_.players.missing = true;
   feedback_.soundNotificationOn = true;
   feedback_.prepareBeepSound();
-  feedback_.playSoundOnce(1);
-  EXPECT_TRUE(feedback_.beepPlayed(1));
-  EXPECT_TRUE(fake_.log.lines.empty());
+  feedback_.playSoundOnce(3);
+  EXPECT_TRUE(feedback_.beepPlayed(3)) << "a missing one is skipped but counts";
+  EXPECT_EQ(fake_.players.plays, 0);
 }
 
-TEST_F(FeedbackTest, SoundSettingsPersistAndLog) {
-  Switch on;
-  on.setOn(true);
-  const Switch off;
-  feedback_.soundNotificationAction(on);
-  feedback_.toggleStringSounds(on);
-  EXPECT_TRUE(feedback_.soundNotificationOn && feedback_.stringSoundsOn);
-  EXPECT_TRUE(fake_.settings.boolForKey("soundNotificationEnabled"));
-  feedback_.soundNotificationAction(off);
-  feedback_.toggleStringSounds(off);
-  EXPECT_FALSE(feedback_.soundNotificationOn || feedback_.stringSoundsOn);
-  EXPECT_FALSE(fake_.settings.boolForKey("stringSoundsEnabled"));
+TEST_F(FeedbackTest, SettingsPersistAndLog) {
+  for (const bool on : {false, true}) {
+    Switch sender;
+    sender.setOn(on);
+    feedback_.soundNotificationAction(sender);
+    EXPECT_EQ(feedback_.soundNotificationOn, on);
+    EXPECT_EQ(fake_.settings.boolForKey("soundNotificationEnabled"), on);
+    EXPECT_FALSE(feedback_.stringSoundsOn || fake_.settings.boolForKey("stringSoundsEnabled"));
+    feedback_.toggleStringSounds(sender);
+    EXPECT_EQ(feedback_.stringSoundsOn, on);
+    EXPECT_EQ(fake_.settings.boolForKey("stringSoundsEnabled"), on);
+  }
   EXPECT_EQ(fake_.log.count("Has encendido el Switch, valor de la variable = 1"), 2);
   EXPECT_EQ(fake_.log.count("Has apagado el Switch, valor de la variable = 0"), 2);
-}
 
-TEST_F(FeedbackTest, TheTuningForkIsOnlyRemembered) {
-  feedback_.soundNotificationOn = true;
+  fake_.log.lines.clear();
   feedback_.disableTemporarilySoundConfirmation();
   EXPECT_EQ(fake_.settings.integerForKey("currentlyUsingTuningFork"), 1);
-  EXPECT_TRUE(feedback_.tuningForkInUse && feedback_.soundNotificationOn);
+  EXPECT_TRUE(feedback_.tuningForkInUse);
+  EXPECT_TRUE(feedback_.soundNotificationOn) << "held back from the next launch on";
   feedback_.enableSoundConfirmation();
   EXPECT_EQ(fake_.settings.integerForKey("currentlyUsingTuningFork"), 0);
   EXPECT_EQ(fake_.log.lines,
