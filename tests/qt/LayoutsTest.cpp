@@ -1,9 +1,10 @@
 // Every layout, used with the mouse as it lies in its window.
 #include <gtest/gtest.h>
 
+#include <QQmlComponent>
 #include <QQuickItem>
+#include <QSignalSpy>
 #include <QTest>
-#include <algorithm>
 #include <set>
 
 #include "adapters/qt/LayoutWindow.h"
@@ -76,7 +77,7 @@ class LayoutsTest : public ::testing::TestWithParam<Row> {
   LayoutWindow window{{.model = model}, controller, faults};
 };
 
-TEST_P(LayoutsTest, BindsTheOutletsOfItsDevice) {
+TEST_P(LayoutsTest, BindsTheOutletsOfItsDeviceAndFollowsThemOnceATurn) {
   EXPECT_EQ(faults.lines, std::vector<std::string>{});
   std::set<std::string_view> absent = {"tunedString", "tunedString5",  "tunedStringiPad",
                                        "LEDDisplay",  "LEDDisplay128", "establecerIdioma"};
@@ -87,12 +88,35 @@ TEST_P(LayoutsTest, BindsTheOutletsOfItsDevice) {
         std::visit([this](auto outlet) { return (controller.*outlet).connected(); }, row.outlet);
     EXPECT_EQ(connected, !absent.contains(row.name)) << row.name;
   }
-  const double aspect = window.root()->width() / window.root()->height();
-  EXPECT_EQ(aspect, model.width / model.height);
-  EXPECT_EQ(controller.freqChartSwitch->isOn(), true);
-  EXPECT_EQ(controller.soundNotificationSwitch->isOn(), true);
+  EXPECT_EQ(window.root()->width() / window.root()->height(), model.width / model.height);
+  EXPECT_TRUE(controller.freqChartSwitch->isOn() && controller.soundNotificationSwitch->isOn());
   EXPECT_EQ(controller.micSensitivitySlider->value(), 5);
   EXPECT_EQ(controller.setFrequencyValueStepper->value(), 440);
+
+  QQuickItem& lamp = item(GetParam().lamp);
+  QQuickItem& frequency = item("freq_label");
+  EXPECT_EQ(controller.LEDDisplay128->image() + controller.LEDDisplay->image(),
+            lamp.property("image").toString().toStdString())
+      << "as drawn";
+  QSignalSpy changes(&frequency, SIGNAL(textChanged()));
+  for (const char* text : {"146.9Hz", "", "146.8Hz"}) controller.freq_label->setText(text);
+  EXPECT_EQ(frequency.property("text"), "");
+  settle();
+  EXPECT_EQ(frequency.property("text"), "146.8Hz");
+  EXPECT_EQ(changes.count(), 1);
+
+  fake.session.volume = 0.49F;
+  controller.checkVolume();
+  controller.LEDDisplay->setImage("green64.png");
+  controller.LEDDisplay128->setImage("green64.png");
+  settle();
+  EXPECT_EQ(lamp.property("image"), "green64.png");
+  QQuickItem& warning = item("turnUpTheVolumeLabel");
+  EXPECT_EQ(warning.property("blinking"), true);
+  fake.session.volume = 0.5F;
+  controller.checkVolume();
+  settle();
+  EXPECT_FALSE(warning.isVisible());
 }
 
 TEST_P(LayoutsTest, SettingsReachTheController) {
@@ -109,16 +133,17 @@ TEST_P(LayoutsTest, SettingsReachTheController) {
   QQuickItem& slider = item("micSensitivitySlider");
   click("micSensitivitySlider", (16 + 0.27 * (slider.width() - 32)) / slider.width());
   EXPECT_EQ(controller.sensitivity().bottomLimit, 0.005) << "the row of the unrounded value, 2.7";
-  EXPECT_EQ(slider.property("value"), 3);
+  EXPECT_EQ(slider.property("value"), 3) << "the snapped value comes back";
 
-  const std::pair<const char*, bool> switches[] = {{"soundNotification", false},
-                                                   {"stringSounds", true}};
-  for (const auto& [name, now] : switches) {
-    click(QString(name) + "Switch");
-    EXPECT_EQ(fake.settings.boolForKey(std::string(name) + "Enabled"), now) << name;
+  for (const std::string name : {"soundNotification", "stringSounds", "frequencyChart"}) {
+    const bool before = fake.settings.boolForKey(name + "Enabled");
+    const char* chart = name == "frequencyChart" ? "freqChart" : name.c_str();
+    click(QString(chart) + "Switch");
+    EXPECT_EQ(fake.settings.boolForKey(name + "Enabled"), !before) << name;
   }
-  click("freqChartSwitch");
-  EXPECT_FALSE(fake.settings.boolForKey("frequencyChartEnabled"));
+  controller.setA415btn->setEnabled(false);
+  settle();
+  EXPECT_FALSE(item("setA415btn").isEnabled());
   closePanel();
 }
 
@@ -150,24 +175,60 @@ TEST_P(LayoutsTest, TheTuningForkPlaysWhileItIsOpen) {
 INSTANTIATE_TEST_SUITE_P(Devices, LayoutsTest, ::testing::ValuesIn(kRows),
                          [](const auto& row) { return std::string(row.param.layout); });
 
-TEST(LayoutWindow, KeepsTheLayoutsProportionsInTheMiddle) {
+struct LayoutTest : ::testing::Test {
+  ~LayoutTest() override { LumoListener::releaseSharedListener(); }
   fakes::FakePlatform fake;
   fakes::FakeLog faults;
   ViewController controller{fake.platform, false};
-  {
-    LayoutWindow window({.model = desktopDevice()}, controller, faults);
-    window.installLayout("Main_iPhone12Pro");
-    window.window().resize(1000, 422);
-    QTest::qWait(30);
-    EXPECT_EQ(window.root()->scale(), 0.5);
-    EXPECT_EQ(window.inWindow({0, 0}), QPointF(402, 0));
-    EXPECT_EQ(window.inWindow({390, 844}), QPointF(597, 422));
+};
 
-    window.installLayout("Main_nothing");
-    EXPECT_FALSE(window.hasLayout());
-    EXPECT_EQ(faults.lines.size(), 2U);
+TEST_F(LayoutTest, KeepsItsProportionsInTheMiddleAndLeavesNothingBehind) {
+  LayoutWindow window({.model = desktopDevice()}, controller, faults);
+  window.installLayout("Main_iPhone12Pro");
+  window.window().resize(1000, 422);
+  QTest::qWait(30);
+  EXPECT_EQ(window.root()->scale(), 0.5);
+  EXPECT_EQ(window.inWindow({0, 0}), QPointF(402, 0));
+  EXPECT_EQ(window.inWindow({390, 844}), QPointF(597, 422));
+
+  controller.freq_label->setText("pending");
+  window.installLayout("Main_nothing");
+  EXPECT_FALSE(window.hasLayout());
+  EXPECT_EQ(faults.lines.size(), 2U);
+  EXPECT_FALSE(controller.freq_label.connected());
+  QTest::qWait(5);
+}
+
+TEST_F(LayoutTest, FaultsAreNamed) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"Seen { objectName: 'ring1' }", "\"ring1\" has no image"},
+      {"Named {} Named {}", "\"freq_label\" is there twice"},
+      {"Control { action: 'setA999' }", "\"x\" has an unknown action, setA999"},
+      {"Item { objectName: 'x'; property string action: 'playA3' }",
+       "\"x\" has an action and no signal activated()"},
+      {"Control { action: 'toggleFreqChart' }", "no control for the action toggleFreqChart"},
+  };
+  QQmlEngine engine;
+  for (const auto& [items, complaint] : rows) {
+    QQmlComponent component(&engine);
+    component.setData(QString(R"(import QtQuick
+      Item {
+        component Seen: Item { property bool hidden; property real alpha; property bool blinking }
+        component Named: Seen { objectName: "freq_label"; property string text }
+        component Control: Item { objectName: "x"; property string action; signal activated() }
+        %1
+      })")
+                          .arg(items)
+                          .toUtf8(),
+                      QUrl("test.qml"));
+    const std::unique_ptr<QQuickItem> root(qobject_cast<QQuickItem*>(component.create()));
+    ASSERT_TRUE(root) << component.errorString().toStdString();
+    faults.lines.clear();
+    const LayoutBinder binder(*root, controller, faults);
+    if (faults.lines.empty()) QMetaObject::invokeMethod(root->childItems()[0], "activated");
+    ASSERT_EQ(faults.lines.size(), 1U) << items;
+    EXPECT_NE(faults.lines[0].find(complaint), std::string::npos) << faults.lines[0];
   }
-  LumoListener::releaseSharedListener();
 }
 
 }  // namespace

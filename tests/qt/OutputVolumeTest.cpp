@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cmath>
 #include <cstdlib>
 #include <memory>
 #include <thread>
@@ -22,37 +23,28 @@ TEST(OutputVolume, FollowsTheServerThroughItsLife) {
   EXPECT_EQ(volume->value(), 1.0F) << "no server";
   if (!server.start()) GTEST_SKIP() << server.reason();
 
-  const auto tell = [&](std::vector<std::string> words) {
-    words.insert(words.begin(), "pactl");
-    return testing::runToEnd(words, 5s, server.environment()).exitCode == 0;
-  };
   const auto comesTo = [&](float expected) {
     const auto deadline = Clock::now() + 5s;
-    while (std::abs(volume->value() - expected) > 0.005F && Clock::now() < deadline) {
-      std::this_thread::sleep_for(5ms);
-    }
-    return std::abs(volume->value() - expected) <= 0.005F;
+    const auto is = [&] { return std::abs(volume->value() - expected) <= 0.005F; };
+    while (!is() && Clock::now() < deadline) std::this_thread::sleep_for(5ms);
+    EXPECT_TRUE(is()) << "not " << expected << " but " << volume->value();
   };
-
-  ASSERT_TRUE(tell({"set-sink-volume", "speaker", "40%"}));
-  EXPECT_TRUE(comesTo(0.4F)) << volume->value();
-  ASSERT_TRUE(tell({"set-sink-volume", "speaker", "20%", "80%"}));
-  EXPECT_TRUE(comesTo(0.5F)) << "the average, not " << volume->value();
-  ASSERT_TRUE(tell({"set-sink-mute", "speaker", "1"}));
-  EXPECT_TRUE(comesTo(0.0F)) << "muted";
-  ASSERT_TRUE(tell({"set-sink-volume", "micfeed", "70%"}));
-  ASSERT_TRUE(tell({"set-default-sink", "micfeed"}));
-  EXPECT_TRUE(comesTo(0.7F)) << "another default sink";
-  ASSERT_TRUE(tell({"set-sink-volume", "micfeed", "140%"}));
-  EXPECT_TRUE(comesTo(1.0F)) << "louder than nominal";
-  ASSERT_TRUE(tell({"set-sink-volume", "micfeed", "30%"}));
-  EXPECT_TRUE(comesTo(0.3F));
-
+  const auto after = [&](std::vector<std::string> words, float expected) {
+    words.insert(words.begin(), "pactl");
+    ASSERT_EQ(testing::runToEnd(words, 5s, server.environment()).exitCode, 0) << words[1];
+    comesTo(expected);
+  };
+  after({"set-sink-volume", "speaker", "40%"}, 0.4F);
+  after({"set-sink-volume", "speaker", "20%", "80%"}, 0.5F);  // the average
+  after({"set-sink-mute", "speaker", "1"}, 0.0F);
+  after({"set-sink-volume", "micfeed", "70%"}, 0.0F);
+  after({"set-default-sink", "micfeed"}, 0.7F);
+  after({"set-sink-volume", "micfeed", "140%"}, 1.0F);
+  after({"set-sink-volume", "micfeed", "30%"}, 0.3F);
   server.kill();
-  EXPECT_TRUE(comesTo(1.0F)) << "the server died";
+  comesTo(1.0F);
   ASSERT_TRUE(server.start()) << server.reason();
-  ASSERT_TRUE(tell({"set-sink-volume", "speaker", "35%"}));
-  EXPECT_TRUE(comesTo(0.35F)) << "the server came back";
+  after({"set-sink-volume", "speaker", "35%"}, 0.35F);
 
   server.freeze();
   const auto begin = Clock::now();
