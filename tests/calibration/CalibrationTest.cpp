@@ -7,7 +7,6 @@
 #include <cmath>
 
 #include "calibration/StringFrequencies.h"
-#include "calibration/TemperamentName.h"
 #include "tests/fakes/FakePlatform.h"
 
 namespace endpin {
@@ -77,7 +76,7 @@ TEST_F(CalibrationTest, PresetsSetEverythingAfterTheirHook) {
   std::int64_t before = 0;
   for (const std::int64_t hertz : {392, 415, 432, 440, 441, 442, 443, 444, 466}) {
     const std::string a4 = std::to_string(hertz);
-    for (const int idiom : {1, 0}) {
+    for (const auto& idiom : {std::optional(1), std::optional(3), std::optional<int>()}) {
       fake_.device.idiom = idiom;
       fake_.log.lines.clear();
       calibration_.choosePreset(*presetFor(hertz), [&] {
@@ -87,7 +86,7 @@ TEST_F(CalibrationTest, PresetsSetEverythingAfterTheirHook) {
         name_.setText("");
       });
       before = hertz;
-      EXPECT_EQ(picture_.image(), (idiom == 1 ? "chartipad" : "chartiphone") + a4 + ".png");
+      EXPECT_EQ(picture_.image(), (idiom ? "chartipad" : "chartiphone") + a4 + ".png");
     }
     EXPECT_EQ(calibration_.a4InHz(), hertz);
     EXPECT_EQ(fake_.settings.integerForKey("a4InHzSavedValue"), hertz);
@@ -100,26 +99,6 @@ TEST_F(CalibrationTest, PresetsSetEverythingAfterTheirHook) {
     EXPECT_EQ(fake_.log.count("Save A " + a4 + "Hz"), 1);
     const std::string first = std::to_string(calibration_.frequencies()[0]);
     EXPECT_EQ(fake_.log.count(first), hertz < 432 ? 2 : 1) << "the two oldest repeat theirs";
-  }
-}
-
-TEST_F(CalibrationTest, ChartPictureFollowsTheDevice) {
-  const struct {
-    std::optional<int> idiom;
-    double height;
-    const char* picture;
-  } rows[] = {
-      {0, 568, "chartiphone442.png"},  {0, 667, "chartipad442.png"},
-      {0, 736, "chartipad442.png"},    {0, 812, "chartiphone442.png"},
-      {{}, 844, "chartiphone442.png"}, {{}, 736, "chartipad442.png"},
-      {1, 667, "chartipad442.png"},    {3, 667, "old"},
-  };
-  for (const auto& row : rows) {
-    fake_.device.idiom = row.idiom;
-    fake_.device.height = row.height;
-    picture_.setImage("old");
-    choose(442);
-    EXPECT_EQ(picture_.image(), row.picture) << row.height;
   }
 }
 
@@ -200,16 +179,6 @@ TEST_F(CalibrationTest, TheSwitchStopsTheChartLabels) {
   EXPECT_EQ(chartLabels(), "A3 = 233.0Hz|D3 = 155.5Hz|G2 = 103.8Hz|C2 = 69.3Hz|");
   EXPECT_EQ(fake_.log.count("Frequency chart IS NOT enabled: 0"), 1);
   EXPECT_EQ(fake_.log.count("Frequency chart IS enabled: 1"), 1);
-}
-
-TEST_F(CalibrationTest, AMissingNameShowsItsKeyAndAnUnknownIndexNothing) {
-  fake_.bundle.missing = {"a440T"};
-  choose(440);
-  EXPECT_EQ(name_.text(), "a440T");
-  displayTemperamentName(15, fake_.bundle, name_);
-  EXPECT_EQ(name_.text(), "a440T");
-  displayTemperamentName(4, fake_.bundle, name_);
-  EXPECT_EQ(name_.text(), "[a430_5T]");
 }
 
 }  // namespace

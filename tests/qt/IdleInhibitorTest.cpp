@@ -1,5 +1,4 @@
-// The screen stays lit: what the desktop's screen saver is told, on a session bus of the test's
-// own.
+// What the desktop's screen saver is told, on a session bus of the test's own.
 #include "adapters/qt/IdleInhibitor.h"
 
 #include <gtest/gtest.h>
@@ -14,8 +13,6 @@
 
 namespace endpin {
 namespace {
-
-using namespace std::chrono_literals;
 
 class ScreenSaver final : public QObject {
   Q_OBJECT
@@ -37,11 +34,11 @@ class ScreenSaver final : public QObject {
 
 TEST(IdleInhibitor, HoldsTheScreenOnceAndLetsItGo) {
   testing::ChildProcess bus({"dbus-daemon", "--session", "--nofork", "--print-address"});
-  const bool began =
-      QTest::qWaitFor([&] { return bus.output().find('\n') != std::string::npos; }, 5000);
-  const QByteArray address = QByteArray::fromStdString(bus.output()).trimmed();
-  if (!began) GTEST_SKIP() << "dbus-daemon does not start: " << bus.errors();
-  qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+  if (!QTest::qWaitFor([&] { return bus.output().ends_with('\n'); }, 5000)) {
+    GTEST_SKIP() << "dbus-daemon does not start: " << bus.errors();
+  }
+  const QString address = QString::fromStdString(bus.output()).trimmed();
+  qputenv("DBUS_SESSION_BUS_ADDRESS", address.toUtf8());
 
   fakes::FakeLog log;
   {
@@ -50,7 +47,7 @@ TEST(IdleInhibitor, HoldsTheScreenOnceAndLetsItGo) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return log.lines.size() == 1; })) << "no desktop answers";
   }
   ScreenSaver saver;
-  QDBusConnection desktop = QDBusConnection::connectToBus(QString::fromUtf8(address), "desktop");
+  QDBusConnection desktop = QDBusConnection::connectToBus(address, "desktop");
   ASSERT_TRUE(desktop.registerObject("/org/freedesktop/ScreenSaver", &saver,
                                      QDBusConnection::ExportAllSlots));
   ASSERT_TRUE(desktop.registerService("org.freedesktop.ScreenSaver"));

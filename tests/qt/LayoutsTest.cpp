@@ -5,9 +5,11 @@
 #include <QQuickItem>
 #include <QSignalSpy>
 #include <QTest>
+#include <map>
 #include <set>
 
 #include "adapters/qt/LayoutWindow.h"
+#include "app/LayoutTable.h"
 #include "audio/LumoListener.h"
 #include "tests/fakes/FakePlatform.h"
 #include "tests/qt/FindItem.h"
@@ -15,30 +17,7 @@
 namespace endpin {
 namespace {
 
-struct Row {
-  const char* device;
-  const char* layout;
-  const char* strings;  // outlet of the string pictures
-  const char* lamp;
-};
-
-constexpr Row kRows[] = {
-    {"phone:480", "Main_iPhone4s", "tunedString", "LEDDisplay"},
-    {"phone:568", "Main_iPhone", "tunedString5", "LEDDisplay"},
-    {"phone:667", "Main_iPhone6", "tunedString5", "LEDDisplay128"},
-    {"phone:736", "Main_iPhone6Plus", "tunedString5", "LEDDisplay128"},
-    {"phone:812", "Main_iPhoneX", "tunedString5", "LEDDisplay128"},
-    {"phone:852", "Main_iPhone12Pro", "tunedString5", "LEDDisplay128"},
-    {"phone:896", "Main_iPhoneXSMax", "tunedString5", "LEDDisplay128"},
-    {"phone:956", "Main_iPhone12ProMax", "tunedString5", "LEDDisplay128"},
-    {"tablet:1024", "Main_iPad", "tunedStringiPad", "LEDDisplay128"},
-    {"tablet:1180", "Main_iPad_Pro_10_5", "tunedStringiPad", "LEDDisplay128"},
-    {"tablet:1133", "Main_iPad_Mini6", "tunedStringiPad", "LEDDisplay128"},
-    {"tablet:1210", "Main_iPad_Pro_11", "tunedStringiPad", "LEDDisplay128"},
-    {"tablet:1366", "Main_iPad_Pro", "tunedStringiPad", "LEDDisplay128"},
-};
-
-class LayoutsTest : public ::testing::TestWithParam<Row> {
+class LayoutsTest : public ::testing::TestWithParam<StoryboardChoice> {
  protected:
   LayoutsTest() {
     fake.device.height = model.height;
@@ -70,7 +49,11 @@ class LayoutsTest : public ::testing::TestWithParam<Row> {
     EXPECT_EQ(window.root()->property("openPanel"), "");
   }
 
-  const DeviceModel model = *deviceNamed(GetParam().device);
+  const double height = *GetParam().heights.begin();
+  const bool tablet = GetParam().idiom == InterfaceIdiom::Tablet;
+  const DeviceModel model = *deviceNamed(nameOf({GetParam().idiom, height, 0, 0, 0}));
+  const char* strings = tablet ? "tunedStringiPad" : height == 480 ? "tunedString" : "tunedString5";
+  const char* lamp = height < 600 ? "LEDDisplay" : "LEDDisplay128";
   fakes::FakePlatform fake;
   fakes::FakeLog faults;
   ViewController controller{fake.platform, false};
@@ -81,8 +64,8 @@ TEST_P(LayoutsTest, BindsTheOutletsOfItsDeviceAndFollowsThemOnceATurn) {
   EXPECT_EQ(faults.lines, std::vector<std::string>{});
   std::set<std::string_view> absent = {"tunedString", "tunedString5",  "tunedStringiPad",
                                        "LEDDisplay",  "LEDDisplay128", "establecerIdioma"};
-  absent.erase(GetParam().strings);
-  absent.erase(GetParam().lamp);
+  absent.erase(strings);
+  absent.erase(lamp);
   for (const OutletName& row : outletNames()) {
     const bool connected =
         std::visit([this](auto outlet) { return (controller.*outlet).connected(); }, row.outlet);
@@ -93,10 +76,9 @@ TEST_P(LayoutsTest, BindsTheOutletsOfItsDeviceAndFollowsThemOnceATurn) {
   EXPECT_EQ(controller.micSensitivitySlider->value(), 5);
   EXPECT_EQ(controller.setFrequencyValueStepper->value(), 440);
 
-  QQuickItem& lamp = item(GetParam().lamp);
   QQuickItem& frequency = item("freq_label");
   EXPECT_EQ(controller.LEDDisplay128->image() + controller.LEDDisplay->image(),
-            lamp.property("image").toString().toStdString())
+            item(lamp).property("image").toString().toStdString())
       << "as drawn";
   QSignalSpy changes(&frequency, SIGNAL(textChanged()));
   for (const char* text : {"146.9Hz", "", "146.8Hz"}) controller.freq_label->setText(text);
@@ -104,27 +86,41 @@ TEST_P(LayoutsTest, BindsTheOutletsOfItsDeviceAndFollowsThemOnceATurn) {
   settle();
   EXPECT_EQ(frequency.property("text"), "146.8Hz");
   EXPECT_EQ(changes.count(), 1);
+  const std::map<double, std::string> variants = {
+      {480, ""}, {568, "_5"}, {667, "_6"}, {1024, "_iPad"}};
+  const auto variant = variants.find(height);
+  controller.displayTunedString(2);
+  settle();
+  EXPECT_EQ(item(strings).property("image").toString().toStdString(),
+            "2nd_string" +
+                (variant != variants.end() ? variant->second
+                 : tablet                  ? "_iPad_Pro"
+                                           : "_6plus") +
+                ".png");
 
   fake.session.volume = 0.49F;
   controller.checkVolume();
   controller.LEDDisplay->setImage("green64.png");
   controller.LEDDisplay128->setImage("green64.png");
   settle();
-  EXPECT_EQ(lamp.property("image"), "green64.png");
-  QQuickItem& warning = item("turnUpTheVolumeLabel");
-  EXPECT_EQ(warning.property("blinking"), true);
+  EXPECT_EQ(item(lamp).property("image"), "green64.png");
+  EXPECT_EQ(item("turnUpTheVolumeLabel").property("blinking"), true);
+  EXPECT_EQ(item("turnUpTheVolumeTriangleLabel").property("blinking"), true);
   fake.session.volume = 0.5F;
   controller.checkVolume();
   settle();
-  EXPECT_FALSE(warning.isVisible());
+  EXPECT_FALSE(findItem(*window.root(), "turnUpTheVolumeLabel"));
+  EXPECT_FALSE(findItem(*window.root(), "turnUpTheVolumeTriangleLabel"));
 }
 
 TEST_P(LayoutsTest, SettingsReachTheController) {
+  const char* chart = tablet || height == 667 || height == 736 ? "chartipad" : "chartiphone";
   click("settings");
   for (const int a4 : {392, 415, 432, 440, 441, 442, 443, 444, 466}) {
     click(QString("setA%1btn").arg(a4));
     EXPECT_EQ(fake.settings.integerForKey("a4InHzSavedValue"), a4);
     EXPECT_EQ(item(QString("setA%1btn").arg(a4)).property("backgroundImage"), "selectedFreqBg.png");
+    EXPECT_EQ(controller.chartDisplay->image(), chart + std::to_string(a4) + ".png");
   }
   click("setFrequencyValueStepper", 0.75);
   EXPECT_EQ(fake.settings.integerForKey("a4InHzSavedValue"), 441);
@@ -135,11 +131,20 @@ TEST_P(LayoutsTest, SettingsReachTheController) {
   EXPECT_EQ(controller.sensitivity().bottomLimit, 0.005) << "the row of the unrounded value, 2.7";
   EXPECT_EQ(slider.property("value"), 3) << "the snapped value comes back";
 
-  for (const std::string name : {"soundNotification", "stringSounds", "frequencyChart"}) {
-    const bool before = fake.settings.boolForKey(name + "Enabled");
-    const char* chart = name == "frequencyChart" ? "freqChart" : name.c_str();
-    click(QString(chart) + "Switch");
-    EXPECT_EQ(fake.settings.boolForKey(name + "Enabled"), !before) << name;
+  const std::pair<const char*, const char*> switches[] = {
+      {"soundNotificationSwitch", "soundNotificationEnabled"},
+      {"stringSoundsSwitch", "stringSoundsEnabled"},
+      {"freqChartSwitch", "frequencyChartEnabled"}};
+  for (const auto& [name, key] : switches) {
+    const bool before = fake.settings.boolForKey(key);
+    click(name);
+    EXPECT_EQ(fake.settings.boolForKey(key), !before) << name;
+  }
+  EXPECT_FALSE(controller.feedback().soundNotificationOn);
+  EXPECT_TRUE(controller.feedback().stringSoundsOn);
+  for (const char* line : {"Has apagado el Switch, valor de la variable = 0",
+                           "Has encendido el Switch, valor de la variable = 1"}) {
+    EXPECT_EQ(fake.log.count(line), 1) << line;
   }
   controller.setA415btn->setEnabled(false);
   settle();
@@ -157,12 +162,16 @@ TEST_P(LayoutsTest, TheTuningForkPlaysWhileItIsOpen) {
     EXPECT_EQ(item("tfFreqLabel").property("text"), frequency);
   }
   EXPECT_EQ(fake.output.starts, 4);
+  EXPECT_NEAR(controller.tuningFork().synthesizer().toneFrequency, 65.4064, 1e-4);
+  click("stopFreqPlay");
   click("stopFreqPlay");
   EXPECT_EQ(fake.output.stops, 1);
   click("a3TFButton");
   closePanel();
   EXPECT_EQ(fake.output.stops, 2);
   EXPECT_EQ(fake.settings.integerForKey("currentlyUsingTuningFork"), 0);
+  EXPECT_EQ(fake.log.count("Tuning fork is enabled: 1"), 1);
+  EXPECT_EQ(fake.log.count("Tuning fork is enabled: 0"), 1);
 
   for (const char* panel : {"chart", "about"}) {
     click(panel);
@@ -172,8 +181,11 @@ TEST_P(LayoutsTest, TheTuningForkPlaysWhileItIsOpen) {
   EXPECT_EQ(faults.lines, std::vector<std::string>{});
 }
 
-INSTANTIATE_TEST_SUITE_P(Devices, LayoutsTest, ::testing::ValuesIn(kRows),
-                         [](const auto& row) { return std::string(row.param.layout); });
+INSTANTIATE_TEST_SUITE_P(Devices, LayoutsTest, ::testing::ValuesIn(storyboardChoices()),
+                         [](const auto& row) {
+                           const int height = static_cast<int>(*row.param.heights.begin());
+                           return row.param.layout + std::to_string(height);
+                         });
 
 struct LayoutTest : ::testing::Test {
   ~LayoutTest() override { LumoListener::releaseSharedListener(); }
