@@ -33,20 +33,8 @@ class CalibrationTest : public testing::Test {
     outlets_.setFrequencyValueStepper.connect(&stepper_);
     outlets_.currentTemperamentName.connect(&name_);
     outlets_.chartDisplay.connect(&picture_);
-    outlets_.firstStringFreq.connect(&chart_[0]);
-    outlets_.secondStringFreq.connect(&chart_[1]);
-    outlets_.thirdStringFreq.connect(&chart_[2]);
-    outlets_.fourthStringFreq.connect(&chart_[3]);
   }
 
-  void choose(std::int64_t a4) {
-    calibration_.choosePreset(*presetFor(a4), [] {});
-  }
-  void switchChart(bool on) {
-    Switch sender;
-    sender.setOn(on);
-    calibration_.chart().toggleFreqChart(sender, fake_.settings, fake_.log);
-  }
   // A4 of the one button that is highlighted; 0 for none, -1 for several.
   std::int64_t highlighted() const {
     std::int64_t a4 = 0;
@@ -56,11 +44,6 @@ class CalibrationTest : public testing::Test {
     }
     return a4;
   }
-  std::string chartLabels() const {
-    std::string texts;
-    for (const Label& label : chart_) texts += label.text() + "|";
-    return texts;
-  }
 
   fakes::FakePlatform fake_;
   CalibrationOutlets outlets_;
@@ -68,7 +51,6 @@ class CalibrationTest : public testing::Test {
   Label value_, name_;
   Stepper stepper_;
   ImageView picture_;
-  std::array<Label, 4> chart_;
   Calibration calibration_{outlets_, {fake_.settings, fake_.device, fake_.bundle, fake_.log}};
 };
 
@@ -103,7 +85,7 @@ TEST_F(CalibrationTest, PresetsSetEverythingAfterTheirHook) {
 }
 
 TEST_F(CalibrationTest, TheStepperKeepsTheFrequenciesAndARestoreNamesFewerPitches) {
-  choose(440);
+  calibration_.choosePreset(*presetFor(440), [] {});
   const auto before = calibration_.frequencies();
   const struct {
     double a4;
@@ -161,24 +143,6 @@ TEST_F(CalibrationTest, TheStepperKeepsTheFrequenciesAndARestoreNamesFewerPitche
     next.deriveFrequencies();  // what the next appearance of the screen does
     EXPECT_EQ(next.frequencies(), stringFrequencies(saved));
   }
-}
-
-TEST_F(CalibrationTest, TheSwitchStopsTheChartLabels) {
-  const std::string at440 = "A3 = 220.0Hz|D3 = 146.8Hz|G2 = 98.0Hz|C2 = 65.4Hz|";
-  choose(440);
-  EXPECT_EQ(chartLabels(), at440);
-  switchChart(false);
-  EXPECT_FALSE(fake_.settings.boolForKey("frequencyChartEnabled"));
-  choose(466);
-  EXPECT_EQ(chartLabels(), at440);
-  EXPECT_EQ(value_.text(), "466");
-  switchChart(true);
-  EXPECT_TRUE(fake_.settings.boolForKey("frequencyChartEnabled"));
-  EXPECT_EQ(chartLabels(), at440) << "only the next refresh writes";
-  calibration_.displayChart();
-  EXPECT_EQ(chartLabels(), "A3 = 233.0Hz|D3 = 155.5Hz|G2 = 103.8Hz|C2 = 69.3Hz|");
-  EXPECT_EQ(fake_.log.count("Frequency chart IS NOT enabled: 0"), 1);
-  EXPECT_EQ(fake_.log.count("Frequency chart IS enabled: 1"), 1);
 }
 
 }  // namespace

@@ -5,7 +5,6 @@
 #include <QQuickItem>
 #include <QSignalSpy>
 #include <QTest>
-#include <map>
 #include <set>
 
 #include "adapters/qt/LayoutWindow.h"
@@ -53,6 +52,12 @@ class LayoutsTest : public ::testing::TestWithParam<StoryboardChoice> {
   const bool tablet = GetParam().idiom == InterfaceIdiom::Tablet;
   const DeviceModel model = *deviceNamed(nameOf({GetParam().idiom, height, 0, 0, 0}));
   const char* strings = tablet ? "tunedStringiPad" : height == 480 ? "tunedString" : "tunedString5";
+  const std::string variant = height == 480    ? ""
+                              : height == 568  ? "_5"
+                              : height == 667  ? "_6"
+                              : height == 1024 ? "_iPad"
+                              : tablet         ? "_iPad_Pro"
+                                               : "_6plus";
   const char* lamp = height < 600 ? "LEDDisplay" : "LEDDisplay128";
   fakes::FakePlatform fake;
   fakes::FakeLog faults;
@@ -86,17 +91,10 @@ TEST_P(LayoutsTest, BindsTheOutletsOfItsDeviceAndFollowsThemOnceATurn) {
   settle();
   EXPECT_EQ(frequency.property("text"), "146.8Hz");
   EXPECT_EQ(changes.count(), 1);
-  const std::map<double, std::string> variants = {
-      {480, ""}, {568, "_5"}, {667, "_6"}, {1024, "_iPad"}};
-  const auto variant = variants.find(height);
   controller.displayTunedString(2);
   settle();
   EXPECT_EQ(item(strings).property("image").toString().toStdString(),
-            "2nd_string" +
-                (variant != variants.end() ? variant->second
-                 : tablet                  ? "_iPad_Pro"
-                                           : "_6plus") +
-                ".png");
+            "2nd_string" + variant + ".png");
 
   fake.session.volume = 0.49F;
   controller.checkVolume();
@@ -122,6 +120,19 @@ TEST_P(LayoutsTest, SettingsReachTheController) {
     EXPECT_EQ(item(QString("setA%1btn").arg(a4)).property("backgroundImage"), "selectedFreqBg.png");
     EXPECT_EQ(controller.chartDisplay->image(), chart + std::to_string(a4) + ".png");
   }
+  const auto chartLabels = [this] {
+    return controller.firstStringFreq->text() + "|" + controller.secondStringFreq->text() + "|" +
+           controller.thirdStringFreq->text() + "|" + controller.fourthStringFreq->text();
+  };
+  const std::string at466 = "A3 = 233.0Hz|D3 = 155.5Hz|G2 = 103.8Hz|C2 = 69.3Hz";
+  EXPECT_EQ(chartLabels(), at466);
+  for (const bool on : {false, true}) {
+    click("freqChartSwitch");
+    EXPECT_EQ(fake.settings.boolForKey("frequencyChartEnabled"), on);
+    EXPECT_EQ(chartLabels(), at466) << "only the next refresh writes";
+    click("setA440btn");
+  }
+  EXPECT_EQ(chartLabels(), "A3 = 220.0Hz|D3 = 146.8Hz|G2 = 98.0Hz|C2 = 65.4Hz");
   click("setFrequencyValueStepper", 0.75);
   EXPECT_EQ(fake.settings.integerForKey("a4InHzSavedValue"), 441);
   EXPECT_EQ(item("calibrationFrequencyValue").property("text"), "441");
@@ -133,8 +144,7 @@ TEST_P(LayoutsTest, SettingsReachTheController) {
 
   const std::pair<const char*, const char*> switches[] = {
       {"soundNotificationSwitch", "soundNotificationEnabled"},
-      {"stringSoundsSwitch", "stringSoundsEnabled"},
-      {"freqChartSwitch", "frequencyChartEnabled"}};
+      {"stringSoundsSwitch", "stringSoundsEnabled"}};
   for (const auto& [name, key] : switches) {
     const bool before = fake.settings.boolForKey(key);
     click(name);
@@ -143,7 +153,8 @@ TEST_P(LayoutsTest, SettingsReachTheController) {
   EXPECT_FALSE(controller.feedback().soundNotificationOn);
   EXPECT_TRUE(controller.feedback().stringSoundsOn);
   for (const char* line : {"Has apagado el Switch, valor de la variable = 0",
-                           "Has encendido el Switch, valor de la variable = 1"}) {
+                           "Has encendido el Switch, valor de la variable = 1",
+                           "Frequency chart IS NOT enabled: 0", "Frequency chart IS enabled: 1"}) {
     EXPECT_EQ(fake.log.count(line), 1) << line;
   }
   controller.setA415btn->setEnabled(false);
@@ -212,6 +223,12 @@ TEST_F(LayoutTest, KeepsItsProportionsInTheMiddleAndLeavesNothingBehind) {
 }
 
 TEST_F(LayoutTest, FaultsAreNamed) {
+  constexpr const char* kComponents = R"(
+    import QtQuick
+    Item {
+      component Seen: Item { property bool hidden; property real alpha; property bool blinking }
+      component Named: Seen { objectName: "freq_label"; property string text }
+      component Control: Item { objectName: "x"; property string action; signal activated() })";
   const std::pair<const char*, const char*> rows[] = {
       {"Seen { objectName: 'ring1' }", "\"ring1\" has no image"},
       {"Named {} Named {}", "\"freq_label\" is there twice"},
@@ -223,16 +240,7 @@ TEST_F(LayoutTest, FaultsAreNamed) {
   QQmlEngine engine;
   for (const auto& [items, complaint] : rows) {
     QQmlComponent component(&engine);
-    component.setData(QString(R"(import QtQuick
-      Item {
-        component Seen: Item { property bool hidden; property real alpha; property bool blinking }
-        component Named: Seen { objectName: "freq_label"; property string text }
-        component Control: Item { objectName: "x"; property string action; signal activated() }
-        %1
-      })")
-                          .arg(items)
-                          .toUtf8(),
-                      QUrl("test.qml"));
+    component.setData(QByteArray(kComponents) + items + "}", QUrl("test.qml"));
     const std::unique_ptr<QQuickItem> root(qobject_cast<QQuickItem*>(component.create()));
     ASSERT_TRUE(root) << component.errorString().toStdString();
     faults.lines.clear();

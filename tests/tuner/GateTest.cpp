@@ -1,4 +1,4 @@
-// Level gates, sensitivity slider, volume warning, in-tune bands.
+// Level gates, sensitivity slider, in-tune bands.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -9,7 +9,6 @@
 #include "tests/fakes/FakePlatform.h"
 #include "tuner/Sensitivity.h"
 #include "tuner/StringRecognition.h"
-#include "tuner/VolumeWarning.h"
 
 namespace endpin {
 namespace {
@@ -70,21 +69,6 @@ TEST(GateTest, SliderChoosesThresholdsBeforeItSnaps) {
     ASSERT_EQ(log.lines.size(), 3U);
     EXPECT_EQ(log.lines[0], "micSensitivityValue: " + std::to_string(row.index));
   }
-}
-
-TEST(GateTest, LowVolumeStartsTheBlinkingAtEveryCheck) {
-  TunerOutlets outlets;
-  Label text, triangle;
-  outlets.turnUpTheVolumeLabel.connect(&text);
-  outlets.turnUpTheVolumeTriangleLabel.connect(&triangle);
-  showVolumeWarning(0.49F, outlets);
-  int starts = 0;
-  for (Label* label : {&text, &triangle}) {
-    EXPECT_EQ(label->animation(), (ViewAnimation{0.25, 0, true, true, 0.0}));
-    label->onChange([&] { ++starts; });
-  }
-  showVolumeWarning(0.0F, outlets);
-  EXPECT_GE(starts, 2);
 }
 
 // The floats at each edge and on either side of it, for every preset and string.
