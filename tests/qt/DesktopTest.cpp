@@ -112,14 +112,11 @@ TEST_F(DesktopTest, RefusesWhatMakesNoSenseInOneLine) {
   }
 }
 
-TEST_F(DesktopTest, ListsDevices) {
-  const Finished result = run({"--list-devices"});
-  EXPECT_EQ(result.exitCode, 0);
-  EXPECT_EQ(std::ranges::count(result.output, '\n'), 21);
-  EXPECT_NE(result.output.find("phone:667     375 x 667\n"), std::string::npos) << result.output;
-}
-
-TEST_F(DesktopTest, ShowsTheStringOfAFile) {
+TEST_F(DesktopTest, ShowsTheStringOfAFileOnADeviceOfTheList) {
+  const Finished list = run({"--list-devices"});
+  EXPECT_EQ(list.exitCode, 0);
+  EXPECT_EQ(std::ranges::count(list.output, '\n'), 21);
+  EXPECT_NE(list.output.find("phone:667     375 x 667\n"), std::string::npos) << list.output;
   const QImage silent = screen("0.3", {"--device", "phone:667"});
   EXPECT_EQ(silent.size(), QSize(750, 1334));
   EXPECT_EQ(greenPixels(silent), 0);

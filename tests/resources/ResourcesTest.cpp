@@ -24,11 +24,6 @@ namespace {
 
 const std::filesystem::path kResources = ENDPIN_RESOURCES;
 
-std::string contents(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
 TEST(ResourcesTest, EveryPictureIsThereAtOneAndTwoPixelsAPoint) {
   std::vector<std::string> names = {"yellow64",       "green64", "yellow128", "green128",
                                     "selectedFreqBg", "cello",   "ring1",     "ring2",
@@ -62,7 +57,8 @@ TEST(ResourcesTest, ChartsShowTheFrequenciesOfTheirCalibration) {
         .exitCode;
   };
   ASSERT_EQ(draw("415"), 0);
-  const std::string drawing = contents(output);
+  std::ifstream file(output);
+  const std::string drawing(std::istreambuf_iterator<char>(file), {});
   EXPECT_NE(drawing.find("415"), std::string::npos);
   std::size_t at = 0;
   for (const char* text : {">61.7<", ">92.4<", ">138.5<", ">207.5<"}) {  // from the left
@@ -88,8 +84,8 @@ TEST(ResourcesTest, TheBeepIsShortCleanAndSoftAtBothEnds) {
 using Texts = std::map<std::string, std::string>;
 
 Texts texts(const std::string& table, const std::string& tag) {
-  return nlohmann::json::parse(contents(kResources / "texts" / table / (tag + ".json")))
-      .get<Texts>();
+  std::ifstream file(kResources / "texts" / table / (tag + ".json"));
+  return nlohmann::json::parse(file).get<Texts>();
 }
 
 TEST(ResourcesTest, EveryLanguageHasEveryTextThatIsLookedUp) {

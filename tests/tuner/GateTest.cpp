@@ -17,24 +17,19 @@ constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 
 TEST(GateTest, JudgesLevelAndFrequency) {
   using enum Sensitivity::Gate;
-  const float above = std::nextafter(1000.0F, 2000.0F);
+  const float quieter = std::nextafter(0.25F, 0.0F);
+  const float louder = std::nextafter(0.5F, 1.0F);
+  const float higher = std::nextafter(1000.0F, 2000.0F);
   // Limits that are exact in single precision, so that the edges can be met.
   const Sensitivity sensitivity{.bottomLimit = 0.25, .topLimit = 0.5};
   const struct {
     float power, frequency;
     Sensitivity::Gate gate;
   } rows[] = {
-      {0.0F, 0.0F, Clear},
-      {std::nextafter(0.25F, 0.0F), 220.0F, Clear},
-      {0.25F, 220.0F, Hold},
-      {0.5F, 220.0F, Hold},
-      {std::nextafter(0.5F, 1.0F), 220.0F, Detect},
-      {1.0F, 1000.0F, Detect},
-      {1.0F, above, Clear},
-      {0.3F, above, Clear},
-      {1.0F, 0.0F, Detect},
-      {1.0F, kNan, Clear},
-      {kNan, 220.0F, Clear},
+      {0.0F, 0.0F, Clear},   {quieter, 220.0F, Clear}, {0.25F, 220.0F, Hold},
+      {0.5F, 220.0F, Hold},  {louder, 220.0F, Detect}, {1.0F, 1000.0F, Detect},
+      {1.0F, higher, Clear}, {0.3F, higher, Clear},    {1.0F, 0.0F, Detect},
+      {1.0F, kNan, Clear},   {kNan, 220.0F, Clear},
   };
   for (const auto& row : rows) {
     EXPECT_EQ(sensitivity.judge(row.power, row.frequency), row.gate)
