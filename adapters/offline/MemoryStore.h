@@ -16,12 +16,11 @@ class MemoryStore : public TypedStore {
   void synchronize() override {}
 
  protected:
-  // Every written value comes through here.
+  // Every value comes through these two.
+  [[nodiscard]] std::optional<SettingValue> find(std::string_view key) const override;
   void set(std::string_view key, SettingValue value) override;
 
  private:
-  [[nodiscard]] std::optional<SettingValue> find(std::string_view key) const override;
-
   mutable std::mutex mutex_;
   std::map<std::string, SettingValue, std::less<>> values_;
 };

@@ -46,8 +46,8 @@ struct FakeRunLoop final : VirtualRunLoop {
 
 struct FakeSettings final : MemoryStore {
   // Lets others go between a reading and the writing after it.
-  std::int64_t integerForKey(std::string_view key) const override {
-    const std::int64_t value = MemoryStore::integerForKey(key);
+  std::optional<SettingValue> find(std::string_view key) const override {
+    auto value = MemoryStore::find(key);
     std::this_thread::yield();
     return value;
   }

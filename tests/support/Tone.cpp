@@ -137,7 +137,7 @@ double fundamentalOf(const Sound& sound, double guess) {
     }
     return sum;
   };
-  double period = sound.rate / guess;  // in samples
+  double period = sound.rate / guess;                           // in samples
   if (static_cast<double>(quarter) < 2.0 * period) return 0.0;  // too short to tell
   for (const double atMost : {8.0, 64.0, 1e9}) {
     const double periods = std::min(atMost, std::floor(static_cast<double>(quarter) / period));

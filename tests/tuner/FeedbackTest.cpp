@@ -144,19 +144,14 @@ TEST_F(FeedbackTest, BeepsOncePerStringUntilRearmed) {
     int string;
     int plays;  // since the beginning
   } rows[] = {
-      {0, 1, 1},
-      {0, 1, 1},
-      {10, 2, 2},
-      {14.9, 2, 2},
+      {0, 1, 1},    {0, 1, 1},    {10, 2, 2},    {14.9, 2, 2},
       {15.1, 2, 3},  // the first string's re-arm re-arms the second as well
-      {24.9, 2, 3},
-      {25.1, 2, 4},
-      {29.95, 2, 4},  // what did not sound, 15 seconds ago, re-arms
-                      // nothing
+      {24.9, 2, 3}, {25.1, 2, 4}, {29.95, 2, 4},  // what did not sound 15 seconds ago re-arms
+                                                  // nothing
       {30.2, 2, 5},
   };
   for (const auto& row : rows) {
-    fake_.runLoop.advance(row.seconds - fake_.runLoop.now);
+    fake_.runLoop.advance(row.seconds - fake_.runLoop.now());
     feedback_.playSoundOnce(row.string);
     EXPECT_EQ(fake_.players.plays, row.plays) << row.seconds;
   }
