@@ -125,11 +125,10 @@ TEST_F(ListenerTest, CaptureAndFrequencyNeverMixBlocks) {
   listener().listen();
   std::atomic<bool> done = false;
   std::atomic<int> delivered = 0;
+  const std::vector<std::int16_t> high(4096, 16000);
+  const std::vector<std::int16_t> low(4096, 4000);
   std::thread capture([&] {
-    for (; !done; ++delivered) {
-      const std::vector<std::int16_t> block(4096, delivered % 2 == 0 ? 16000 : 4000);
-      queue().deliver(block);
-    }
+    for (; !done; ++delivered) queue().deliver(delivered % 2 == 0 ? high : low);
   });
   while (delivered < 2) std::this_thread::yield();
   for (int i = 0; i < 50; ++i) {
