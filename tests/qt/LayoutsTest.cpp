@@ -154,6 +154,8 @@ TEST_P(LayoutsTest, SettingsReachTheController) {
                            "Frequency chart IS NOT enabled: 0", "Frequency chart IS enabled: 1"}) {
     EXPECT_EQ(fake.log.count(line), 1) << line;
   }
+  QMetaObject::invokeMethod(&item("setA415btn"), "activated");
+  EXPECT_EQ(item("setA415btn").property("backgroundImage"), "selectedFreqBg.png") << "at once";
   controller.setA415btn->setEnabled(false);
   settle();
   EXPECT_FALSE(item("setA415btn").isEnabled());
