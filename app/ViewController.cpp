@@ -8,6 +8,7 @@
 #include "app/Localisation.h"
 #include "app/SettingsRestore.h"
 #include "audio/LumoListener.h"
+#include "calibration/StringFrequencies.h"
 #include "rating/PromptToReview.h"
 #include "tuner/VolumeWarning.h"
 
@@ -80,7 +81,8 @@ void ViewController::tickFree() {
 StringReferences ViewController::stringReferences() const {
   StringReferences references;
   for (std::size_t i = 0; i < references.size(); ++i) {
-    references[i] = {calibration_.frequencies()[i], calibration_.toleranceBases()[i]};
+    references[i] = {calibration_.frequencies()[i], calibration_.toleranceBases()[i],
+                     kStringNotes[i]};
   }
   return references;
 }
@@ -134,7 +136,7 @@ void ViewController::demoMode() {
   setTunedStringsHidden(false);
   setLamp("green64.png", "green128.png");
   feedback_.displayTunedString(1);
-  noteDisplay->setText("A3");
+  noteDisplay->setText(kStringNotes[0]);
   freq_label->setText(fmt::format("{:.1f}Hz", calibration_.frequencies()[0]));
 }
 

@@ -23,7 +23,7 @@ std::vector<StringTable> tables(std::int64_t a4) {
   int number = 1;
   for (const double reference : stringFrequencies(a4)) {
     const Band band = bandOf(number, {reference, reference});
-    const char* note = kStrings[static_cast<std::size_t>(number - 1)].noteName;
+    const char* note = kStringNotes[static_cast<std::size_t>(number - 1)];
     rows.push_back({number, note, reference, band, binsInside(band)});
     ++number;
   }

@@ -49,22 +49,21 @@ void DetectionTick::clearDisplay() {
 
 void DetectionTick::recognise(float frequency, const StringReferences& references) {
   if (const int number = matchingString(static_cast<double>(frequency), references)) {
-    showInTune(number, references[static_cast<std::size_t>(number - 1)].frequency);
+    showInTune(number, references[static_cast<std::size_t>(number - 1)]);
   } else {
     showNoString(frequency);
   }
 }
 
 // The read-out snaps to the reference: whatever lies inside the band reads the same.
-void DetectionTick::showInTune(int number, double referenceFrequency) {
-  const char* noteName = kStrings[static_cast<std::size_t>(number - 1)].noteName;
+void DetectionTick::showInTune(int number, const StringReference& reference) {
   outlets_.setTunedStringsHidden(false);
-  outlets_.noteDisplay->setText(noteName);
-  lastTunedNoteName_ = noteName;
+  outlets_.noteDisplay->setText(reference.noteName);
+  lastTunedNoteName_ = reference.noteName;
   feedback_.displayTunedString(number);
   outlets_.setLamp("green64.png", "green128.png");
-  outlets_.freq_label->setText(hertzText(referenceFrequency));
-  lastTunedFrequencyText_ = hertzText(referenceFrequency);
+  outlets_.freq_label->setText(hertzText(reference.frequency));
+  lastTunedFrequencyText_ = hertzText(reference.frequency);
   feedback_.playSoundOnce(number);
 }
 

@@ -35,7 +35,7 @@ class DetectionTick {
  private:
   void clearDisplay();
   void recognise(float frequency, const StringReferences& references);
-  void showInTune(int number, double referenceFrequency);
+  void showInTune(int number, const StringReference& reference);
   void showNoString(float frequency);
 
   TunerOutlets& outlets_;

@@ -6,7 +6,7 @@ namespace endpin {
 
 Band bandOf(int number, const StringReference& reference) {
   const double halfWidth =
-      reference.toleranceBase / kStrings[static_cast<std::size_t>(number - 1)].divisor;
+      reference.toleranceBase / kBandDivisors[static_cast<std::size_t>(number - 1)];
   return {reference.frequency - halfWidth, reference.frequency + halfWidth};
 }
 

@@ -12,21 +12,14 @@ namespace endpin {
 struct StringReference {
   double frequency = 0;
   double toleranceBase = 0;
+  const char* noteName = "";  // of the string, for people
 };
 
 // Strings are numbered from the highest, 1 = A3 to 4 = C2; arrays hold them in that order.
 using StringReferences = std::array<StringReference, 4>;
 
-struct StringRow {
-  const char* noteName;
-  double divisor;  // half-width of the band = tolerance base / divisor; the low strings' are wider
-};
-inline constexpr std::array<StringRow, 4> kStrings = {{
-    {"A3", 1000.0},
-    {"D3", 1000.0},
-    {"G2", 850.0},
-    {"C2", 875.0},
-}};
+// Half-width of a band = tolerance base / divisor; the low strings' are wider.
+inline constexpr std::array<double, 4> kBandDivisors = {1000.0, 1000.0, 850.0, 875.0};
 
 // In-tune band in hertz, both ends included.
 struct Band {

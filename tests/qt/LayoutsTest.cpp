@@ -104,6 +104,9 @@ TEST_P(LayoutsTest, BindsTheOutletsOfItsDeviceAndFollowsThemOnceATurn) {
   EXPECT_EQ(item(lamp).property("image"), "green64.png");
   EXPECT_EQ(item("turnUpTheVolumeLabel").property("blinking"), true);
   EXPECT_EQ(item("turnUpTheVolumeTriangleLabel").property("blinking"), true);
+  const ViewAnimation blink{0.25, 0, true, true, 0};
+  EXPECT_EQ(controller.turnUpTheVolumeLabel->animation(), blink);
+  EXPECT_EQ(controller.turnUpTheVolumeTriangleLabel->animation(), blink);
   fake.session.volume = 0.5F;
   controller.checkVolume();
   settle();

@@ -29,6 +29,7 @@ TEST(Tone, IsMeasuredFarMoreFinelyThanAnyBand) {
     const double guess = raisedByCents(row.fundamental, row.guessOffCents);
     const double cents = 1200.0 * std::log2(fundamentalOf(heard, guess) / row.fundamental);
     EXPECT_NEAR(cents, 0.0, row.toleranceCents) << row.fundamental;
+    for (const double octave : {0.5, 2.0}) EXPECT_EQ(fundamentalOf(heard, octave * guess), 0.0);
   }
 }
 

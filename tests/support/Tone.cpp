@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <numeric>
 #include <random>
 #include <sndfile.hh>
 #include <stdexcept>
@@ -139,6 +140,14 @@ double fundamentalOf(const Sound& sound, double guess) {
   };
   double period = sound.rate / guess;                           // in samples
   if (static_cast<double>(quarter) < 2.0 * period) return 0.0;  // too short to tell
+  // An octave lower a tone differs from itself after one period, an octave higher it does not after
+  // half of one.
+  const double energy = std::inner_product(
+      sound.samples.begin(), sound.samples.begin() + static_cast<std::ptrdiff_t>(2 * quarter),
+      sound.samples.begin(), 0.0);
+  const double once = difference(static_cast<std::size_t>(std::lround(period)));
+  const double half = difference(static_cast<std::size_t>(std::lround(period / 2.0)));
+  if (once > energy || half < 2.0 * once) return 0.0;
   for (const double atMost : {8.0, 64.0, 1e9}) {
     const double periods = std::min(atMost, std::floor(static_cast<double>(quarter) / period));
     const auto first = static_cast<std::size_t>((periods - 0.2) * period);

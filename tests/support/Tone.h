@@ -42,7 +42,7 @@ Sound longestPart(const Sound& sound);
 double soundingSeconds(const Sound& sound);
 
 // The fundamental of a steady tone in hertz, measured far more finely than the tuner does it and in
-// another way. `guess` may be off by 25 cents.
+// another way; 0 for one that is not near `guess`, which may be off by 25 cents.
 double fundamentalOf(const Sound& sound, double guess);
 double raisedByCents(double frequency, double cents);
 

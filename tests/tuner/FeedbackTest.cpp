@@ -15,7 +15,9 @@ namespace {
 StringReferences referencesAt(std::int64_t a4) {
   StringReferences references;
   const auto frequencies = stringFrequencies(a4);
-  for (std::size_t i = 0; i < 4; ++i) references[i] = {frequencies[i], frequencies[i]};
+  for (std::size_t i = 0; i < 4; ++i) {
+    references[i] = {frequencies[i], frequencies[i], kStringNotes[i]};
+  }
   return references;
 }
 
@@ -144,10 +146,15 @@ TEST_F(FeedbackTest, BeepsOncePerStringUntilRearmed) {
     int string;
     int plays;  // since the beginning
   } rows[] = {
-      {0, 1, 1},    {0, 1, 1},    {10, 2, 2},    {14.9, 2, 2},
+      {0, 1, 1},
+      {0, 1, 1},
+      {10, 2, 2},
+      {14.9, 2, 2},
       {15.1, 2, 3},  // the first string's re-arm re-arms the second as well
-      {24.9, 2, 3}, {25.1, 2, 4}, {29.95, 2, 4},  // what did not sound 15 seconds ago re-arms
-                                                  // nothing
+      {24.9, 2, 3},
+      {25.1, 2, 4},
+      {29.95, 2, 4},  // what did not sound 15 seconds ago re-arms
+                      // nothing
       {30.2, 2, 5},
   };
   for (const auto& row : rows) {

@@ -72,7 +72,7 @@ TEST(RecognitionTest, BandsEndWhereTheyShould) {
   for (const Preset& preset : kPresets) {
     StringReferences references;
     const auto frequencies = stringFrequencies(preset.a4InHz);
-    for (std::size_t i = 0; i < 4; ++i) references[i] = {frequencies[i], frequencies[i]};
+    for (std::size_t i = 0; i < 4; ++i) references[i] = {frequencies[i], frequencies[i], ""};
     for (std::size_t i = 0; i < 4; ++i) {
       const double lower = frequencies[i] - frequencies[i] / kDivisors[i];
       const double upper = frequencies[i] + frequencies[i] / kDivisors[i];
