@@ -2,9 +2,10 @@
 // readings open to other threads. Thread: main, unless it says otherwise.
 #pragma once
 
+#include <QAbstractEventDispatcher>
+#include <QTest>
 #include <QTimer>
 #include <atomic>
-#include <optional>
 
 #include "adapters/bundle/FileBundle.h"
 #include "adapters/cubeb/CubebMicrophone.h"
@@ -15,7 +16,9 @@
 #include "adapters/pulse/DesktopAudioSession.h"
 #include "adapters/qt/LayoutWindow.h"
 #include "adapters/qt/QtRunLoop.h"
-#include "tests/soak/Dice.h"
+#include "audio/LumoListener.h"
+#include "tests/qt/FindItem.h"
+#include "tests/soak/Soak.h"
 #include "tests/soak/Stalls.h"
 
 namespace endpin::soak {
@@ -23,37 +26,103 @@ namespace endpin::soak {
 class LiveScreen {
  public:
   // `log` outlives the screen.
-  LiveScreen(Log& log, std::uint32_t seed);
-  ~LiveScreen();
+  LiveScreen(Log& log, std::uint32_t seed) : log_(log), dice_(seed) {
+    watchIdleness();
+    window_.installLayout("Main_iPhone12Pro");
+    beats_.setTimerType(Qt::PreciseTimer);
+    QObject::connect(&beats_, &QTimer::timeout, &beats_, [this] { beat(); });
+    // Watched from the first frame on.
+    QObject::connect(
+        &window_.window(), &QQuickWindow::frameSwapped, &beats_, [this] { beats_.start(10); },
+        static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
+    QObject::connect(&pressing_, &QTimer::timeout, &pressing_, [this] { press(); });
+    pressing_.start(200);
+  }
+  ~LiveScreen() { LumoListener::releaseSharedListener(); }
   LiveScreen(const LiveScreen&) = delete;
 
-  // What the presses are for at the moment.
+  // What the presses are for. Thread: any.
   enum class Mode {
     Rest,    // no panel, no tone, no presses: a state that can be compared
     Wander,  // panels, presets, switches
     Tone,    // the tuning fork is open and sounds, one string after the other
   };
-  void setMode(Mode mode) { mode_ = mode; }  // Thread: any.
+  std::atomic<Mode> mode = Mode::Wander;
 
-  // What the listener said last. Thread: any.
-  [[nodiscard]] double level() const { return level_; }          // linear
-  [[nodiscard]] double frequency() const { return frequency_; }  // hertz
-  [[nodiscard]] bool toneWanted() const { return toneWanted_; }
+  // What the listener said last, and whether the tuning fork is to sound. Thread: any.
+  std::atomic<double> level = 0;      // linear
+  std::atomic<double> frequency = 0;  // hertz
+  std::atomic<bool> toneWanted = false;
 
-  // Watched from the first frame on. After the event loop.
-  [[nodiscard]] const Heartbeat& heartbeat() const { return heartbeat_.value(); }
-  [[nodiscard]] std::size_t presses() const { return presses_; }
+  // After the event loop.
+  [[nodiscard]] const std::vector<Stall>& stalls() const { return heartbeat_.stalls(); }
+  [[nodiscard]] int presses() const { return presses_; }
 
  private:
-  static MemoryStore& prepared(MemoryStore& settings);
+  static MemoryStore& prepared(MemoryStore& settings) {
+    settings.setBool("NewFirstLaunchCello", true);
+    settings.setInteger("a4InHzSavedValue", 440);
+    settings.setInteger("savedSliderValue", 5);
+    settings.setBool("soundNotificationEnabled", true);
+    settings.setBool("frequencyChartEnabled", true);
+    return settings;
+  }
 
-  void beat();
-  void watchIdleness();
-  void press();
-  void wander();
-  void playOn();
-  void closePanel();
-  bool click(const QString& wanted);
+  void watchIdleness() {
+    auto* events = QAbstractEventDispatcher::instance();
+    QObject::connect(events, &QAbstractEventDispatcher::aboutToBlock, &beats_,
+                     [this] { idleSince_ = clockSeconds(); });
+    QObject::connect(events, &QAbstractEventDispatcher::awake, &beats_, [this] {
+      if (idleSince_ > 0) idle_ += clockSeconds() - std::exchange(idleSince_, 0);
+    });
+  }
+
+  void beat() {
+    heartbeat_.beat(idle_);
+    level = static_cast<double>(controller_.lastReading().power);
+    frequency = static_cast<double>(controller_.lastReading().frequency);
+    toneWanted = controller_.tuningFork().curPlayState == TuningFork::Playing;
+  }
+
+  void press() {
+    pressing_.setInterval(static_cast<int>(dice_.ratioBetween(60, 900)));
+    const QString open = window_.root()->property("openPanel").toString();
+    const bool tone = mode == Mode::Tone;
+    if (mode == Mode::Rest || (tone && !open.isEmpty() && open != "fork")) {
+      if (!open.isEmpty()) closePanel();
+    } else if (open.isEmpty()) {
+      click(tone ? "fork" : oneOf({"fork", "chart", "settings", "about"}));
+    } else if (!tone && dice_.chance(0.25)) {
+      closePanel();
+    } else if (open == "fork") {
+      click(oneOf({"a3TFButton", "d3TFButton", "g2TFButton", "c2TFButton"}));
+    } else if (open == "settings") {
+      click(oneOf({"setA392btn", "setA415btn", "setA432btn", "setA440btn", "setA441btn",
+                   "setA442btn", "setA443btn", "setA444btn", "setA466btn",
+                   "setFrequencyValueStepper", "micSensitivitySlider", "soundNotificationSwitch",
+                   "stringSoundsSwitch", "freqChartSwitch"}));
+    }
+  }
+
+  QString oneOf(const QStringList& names) {
+    return names[static_cast<qsizetype>(dice_.below(static_cast<std::size_t>(names.size())))];
+  }
+
+  void closePanel() {
+    ++presses_;
+    QTest::keyClick(&window_.window(), Qt::Key_Escape);
+  }
+
+  void click(const QString& wanted) {
+    QQuickItem* item = findItem(*window_.root(), wanted);
+    if (!item) return;
+    // Off the middle: steppers have two halves, and a slider moves.
+    const QPointF place =
+        item->mapToScene({item->width() * dice_.between(0.1, 0.9), item->height() / 2});
+    if (!window_.window().contentItem()->contains(place)) return;  // a panel still slides
+    ++presses_;
+    QTest::mouseClick(&window_.window(), Qt::LeftButton, {}, place.toPoint());
+  }
 
   Log& log_;
   FixedDevice device_;
@@ -70,17 +139,12 @@ class LiveScreen {
   LayoutWindow window_{{.model = *deviceNamed("phone:844")}, controller_, log_};
 
   Dice dice_;
-  std::optional<Heartbeat> heartbeat_;
-  std::optional<StallClock::time_point> idleSince_;
-  double idle_ = 0;  // seconds that the event loop has slept
+  Heartbeat heartbeat_;
+  double idleSince_ = 0;  // seconds; 0 while the event loop is awake
+  double idle_ = 0;       // seconds that the event loop has slept
   QTimer beats_;
   QTimer pressing_;
-  std::size_t presses_ = 0;
-  bool resting_ = false;
-  std::atomic<Mode> mode_ = Mode::Wander;
-  std::atomic<double> level_ = 0;
-  std::atomic<double> frequency_ = 0;
-  std::atomic<bool> toneWanted_ = false;
+  int presses_ = 0;
 };
 
 }  // namespace endpin::soak

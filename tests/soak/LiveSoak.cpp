@@ -1,35 +1,24 @@
 // The real screen on a sound server of its own, pressed and listening, while the server is killed,
 // frozen, and robbed of its devices: how long the screen freezes, how soon it listens again, what
 // it leaks.
+#include <malloc.h>
+
 #include <CLI/CLI.hpp>
 #include <QGuiApplication>
-#include <algorithm>
-#include <chrono>
 #include <cstdlib>
-#include <future>
-#include <thread>
+#include <filesystem>
+#include <map>
 
 #include "adapters/log/NullLog.h"
 #include "adapters/log/StreamLog.h"
-#include "tests/soak/Bounds.h"
-#include "tests/soak/Stagehand.h"
-
-// Asked by the leak checker, where there is one: the toolkit's software renderer leaves the
-// pictures of the last window to the end of the process, and cubeb forgets a few bytes of the sound
-// server's library.
-extern "C" const char* __lsan_default_suppressions();
-extern "C" const char* __lsan_default_suppressions() {
-  return "leak:libQt6Gui.so\nleak:libQt6Quick.so\nleak:libQt6Core.so\nleak:libpulse.so\n";
-}
+#include "tests/soak/LiveScreen.h"
+#include "tests/support/PrivateSoundServer.h"
 
 namespace endpin::soak {
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kSanitized = true;  // several times slower, and with an allocator of their own
-#else
-constexpr bool kSanitized = false;
-#endif
+using testing::ChildProcess;
+using Server = testing::PrivateSoundServer;
 
 constexpr double kLongestFreeze = 0.1;        // seconds
 constexpr double kListensAgain = 2.0;         // seconds
@@ -39,149 +28,241 @@ constexpr double kTwoBlocks = 8192 / 7019.5;  // seconds: one to begin in, one t
 // in the next; a leak grows past this in a longer run.
 constexpr double kHeapMarginKib = 4096;
 
-struct Options {
-  double minutes = 3;
-  std::uint32_t seed = 1;
-  bool verbose = false;
+struct Fault {
+  const char* name;
+  double longest;     // seconds; 0.3 at least
+  bool losesSpeaker;  // and nothing else
+  bool (*begin)(Server&);
+  bool (*end)(Server&);
+};
+constexpr std::array<Fault, 4> kFaults = {{
+    {"server killed", 4, false, [](Server& server) { return server.kill(), true; },
+     [](Server& server) { return server.start(); }},
+    {"server frozen", 6, false, [](Server& server) { return server.freeze(), true; },
+     [](Server& server) { return server.thaw(), true; }},
+    {"microphone removed", 4, false, [](Server& server) { return server.removeMicrophone(); },
+     [](Server& server) { return server.addMicrophone(); }},
+    {"speaker removed", 4, true, [](Server& server) { return server.removeSpeaker(); },
+     [](Server& server) { return server.addSpeaker(); }},
+}};
+
+struct ProcessSize {
+  double descriptors = 0;
+  double threads = 0;
+  double heapKib = 0;
+
+  static ProcessSize now() {
+    const auto entries = [](const char* folder) {
+      return static_cast<double>(std::distance(std::filesystem::directory_iterator(folder), {}));
+    };
+    return {entries("/proc/self/fd"), entries("/proc/self/task"),
+            static_cast<double>(mallinfo2().uordblks) / 1024};
+  }
 };
 
-class Live {
- public:
-  explicit Live(const Options& options) : options_(options) {}
+void sleepFor(double seconds) {
+  std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
+}
 
-  int run(int argc, char** argv) {
-    for (const auto& [name, value] : server_.environment()) setenv(name.c_str(), value.c_str(), 1);
-    setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    setenv("QT_QUICK_BACKEND", "software", 1);
-    std::promise<bool> up;
-    std::promise<LiveScreen*> shown;
-    std::thread stage([&] { work(up, shown.get_future()); });
-    if (!up.get_future().get()) {
-      stage.join();
-      fmt::print("  {}\n", server_.reason());
-      return 1;
+// Plays the tone, takes the sound system apart and puts it together again, in seeded random order,
+// and takes the times. On a thread of its own, which must live as long as what it starts: nothing
+// of it may hold up the screen.
+class Stagehand {
+ public:
+  // Both outlive the stagehand; the server runs.
+  Stagehand(Server& server, LiveScreen& screen, std::uint32_t seed)
+      : server_(server), screen_(screen), dice_(seed) {
+    for (const double tone : kTones) {
+      writeWav(toneFile(tone), testing::bowedTone(48000.0, 40, tone));
     }
-    const QGuiApplication application(argc, argv);
-    StreamLog problems(stderr);
-    NullLog nowhere;
-    LiveScreen screen(options_.verbose ? static_cast<Log&>(problems) : nowhere, options_.seed);
-    Witness witness;
-    shown.set_value(&screen);
-    QGuiApplication::exec();
-    witness.stop();
-    report(screen, witness);
-    stageMayGo_.set_value();
-    stage.join();
-    return bounds_.exitCode();
+  }
+
+  // Faults for that long, after one round of each to warm up.
+  void work(double seconds) {
+    for (const Fault& fault : kFaults) round(fault);
+    sizeBefore_ = sizeAtRest();
+    const double end = clockSeconds() + seconds;
+    while (clockSeconds() < end) round(kFaults[dice_.below(kFaults.size())]);
+    sizeAfter_ = sizeAtRest();
+    player_.reset();
+  }
+
+  void report(Bounds& bounds) const {
+    for (const auto& [what, times] : recoveries_) {
+      bounds.atMost(fmt::format("{}, worst of {}", what, times.taken.size()),
+                    *std::max_element(times.taken.begin(), times.taken.end()), times.bound, "s");
+    }
+    bounds.atMost("what had to happen and did not", failures_, 0);
+    bounds.tell("descriptors, threads, heap before",
+                fmt::format("{}, {}, {:.0f} KiB", sizeBefore_.descriptors, sizeBefore_.threads,
+                            sizeBefore_.heapKib));
+    bounds.atMost("descriptors more", sizeAfter_.descriptors - sizeBefore_.descriptors, 0);
+    bounds.atMost("threads more", sizeAfter_.threads - sizeBefore_.threads, 0);
+    bounds.atMost("heap more", sizeAfter_.heapKib - sizeBefore_.heapKib, kHeapMarginKib, "KiB");
   }
 
  private:
-  // Thread: the stagehand's, which everything that it starts needs to live.
-  void work(std::promise<bool>& up, std::future<LiveScreen*> shown) {
-    const bool running = server_.start();
-    up.set_value(running);
-    if (!running) return;
-    stagehand_.emplace(server_, *shown.get(), options_.seed);
-    stagehand_->work(options_.minutes * 60);
+  static constexpr std::array<double, 3> kTones = {220.0, 440.0 / 3, 98.0};  // hertz
+
+  void round(const Fault& fault) {
+    const bool tone = fault.losesSpeaker || dice_.chance(0.4);
+    screen_.mode = tone ? LiveScreen::Mode::Tone : LiveScreen::Mode::Wander;
+    startTone();
+    await("a tone is heard", [this] { return hearsPitch(); });
+    if (tone) await("the tuning fork is pressed", [this] { return screen_.toneWanted.load(); });
+    sleepFor(dice_.between(0.2, 2));
+    expect(fault.begin(server_), fault.name);
+    bool lost = false;
+    const double end = clockSeconds() + dice_.ratioBetween(0.3, fault.longest);
+    for (; clockSeconds() < end; sleepFor(0.02)) lost = lost || screen_.level < 0.002;
+    giveBack(fault, lost, tone);
+  }
+
+  // The tone before goes, so that a block from before the fault cannot pass for a new one.
+  void giveBack(const Fault& fault, bool lost, bool tone) {
+    if (!fault.losesSpeaker) player_.reset();
+    expect(fault.end(server_), fault.name);
+    const double back = clockSeconds();
+    const ChildProcess speaker = server_.record("speaker.monitor");
+    const auto sounds = [&] {
+      const testing::Sound sound = Server::recorded(speaker);
+      return std::any_of(sound.samples.begin(), sound.samples.end(),
+                         [](float sample) { return std::abs(sample) > 0.01F; });
+    };
+    double bound = kListensAgain;
+    if (!fault.losesSpeaker) {
+      startTone();
+      if (lost)
+        take(
+            fault, "listens", [this] { return hearsLevel(); }, back, bound);
+      bound += kTwoBlocks;
+      take(
+          fault, "tells the pitch", [this] { return hearsPitch(); }, back, bound);
+    }
+    if (tone) take(fault, "tone sounds", sounds, back, bound);
+  }
+
+  // No panel, no tone, no fault, and the tone of the microphone heard.
+  ProcessSize sizeAtRest() {
+    startTone();
+    await("a tone at rest", [this] { return hearsPitch(); });
+    screen_.mode = LiveScreen::Mode::Rest;
+    await("the tuning fork at rest", [this] { return !screen_.toneWanted; });
+    sleepFor(3);
+    return ProcessSize::now();
+  }
+
+  [[nodiscard]] std::string toneFile(double tone) const {
+    return server_.folder().file(fmt::format("tone{:.0f}.wav", tone));
+  }
+  void startTone() {
+    string_ = (string_ + 1) % kTones.size();
+    player_.reset();
+    player_.reset(new ChildProcess(  // which cannot be moved
+        server_.playIntoMicrophone(toneFile(kTones[string_]))));
+  }
+
+  [[nodiscard]] bool hearsLevel() const { return screen_.level > 0.01; }
+  // To half a percent, wherever the presets may be.
+  [[nodiscard]] bool hearsPitch() const {
+    return hearsLevel() && std::abs(screen_.frequency / kTones[string_] - 1) < 0.005;
+  }
+
+  // Waits, ten seconds at most.
+  bool await(const char* what, const std::function<bool()>& holds) {
+    const double limit = clockSeconds() + 10;
+    bool held = holds();
+    for (; !held && clockSeconds() < limit; held = holds()) sleepFor(0.005);
+    expect(held, what);
+    return held;
+  }
+
+  void take(const Fault& fault, const char* what, const std::function<bool()>& holds, double since,
+            double bound) {
+    Times& times = recoveries_[fmt::format("{}: {}", fault.name, what)];
+    times.bound = bound;
+    times.taken.push_back(await(what, holds) ? clockSeconds() - since : 99);
+  }
+
+  void expect(bool held, const char* what) {
+    if (held) return;
+    ++failures_;
+    fmt::print("  did not happen: {}\n", what);
+  }
+
+  struct Times {
+    double bound = 0;  // seconds
+    std::vector<double> taken;
+  };
+
+  Server& server_;
+  LiveScreen& screen_;
+  Dice dice_;
+  std::unique_ptr<ChildProcess> player_;
+  std::size_t string_ = 0;  // that is played
+  std::map<std::string, Times> recoveries_;
+  ProcessSize sizeBefore_, sizeAfter_;
+  int failures_ = 0;
+};
+
+void reportFreezes(Bounds& bounds, const std::vector<Stall>& screen,
+                   const std::vector<Stall>& machine) {
+  const auto longest = [&](const std::vector<Stall>& stalls, auto seconds) {
+    double most = 0;
+    for (const Stall& stall : stalls) most = std::max(most, seconds(stall));
+    return 1000 * most;
+  };
+  const auto whole = [](const Stall& stall) { return stall.seconds(); };
+  bounds.tell("longest stall of the machine, of the screen",
+              fmt::format("{:.0f} ms, {:.0f} ms", longest(machine, whole), longest(screen, whole)));
+  bounds.atMost("longest freeze of the screen's own",
+                longest(screen, [&](const Stall& stall) { return own(stall, machine); }),
+                1000 * kLongestFreeze, "ms");
+}
+
+int soak(double minutes, std::uint32_t seed, bool verbose, int argc, char** argv) {
+  Server server;
+  for (const auto& [name, value] : server.environment()) setenv(name.c_str(), value.c_str(), 1);
+  setenv("QT_QPA_PLATFORM", "offscreen", 1);
+  setenv("QT_QUICK_BACKEND", "software", 1);
+  if (!server.start()) {
+    fmt::print("  {}\n", server.reason());
+    return 1;
+  }
+  const QGuiApplication application(argc, argv);
+  StreamLog problems(stderr);
+  NullLog nowhere;
+  LiveScreen screen(verbose ? static_cast<Log&>(problems) : nowhere, seed);
+  Stagehand stagehand(server, screen, seed);
+  Witness witness;
+  std::jthread stage([&] {
+    stagehand.work(minutes * 60);
     QMetaObject::invokeMethod(
         qApp, [] { QCoreApplication::quit(); }, Qt::QueuedConnection);
-    stageMayGo_.get_future().wait();
-    server_.kill();
-  }
+  });
+  QGuiApplication::exec();
+  stage.join();
 
-  void report(const LiveScreen& screen, const Witness& witness) {
-    bounds_.tell("presses, beats of the screen",
-                 fmt::format("{}, {}", screen.presses(), screen.heartbeat().beats()));
-    reportFreezes(screen.heartbeat().stalls(), witness.stalls());
-    std::vector<double> level;
-    for (std::size_t i = 0; i < Stagehand::faults().size(); ++i) {
-      const Recovery& recovery = stagehand_->recoveries()[i];
-      level.insert(level.end(), recovery.level.begin(), recovery.level.end());
-      reportRecovery(Stagehand::faults()[i].name, recovery);
-    }
-    bounds_.atMost("listens again, median of all", median(level), kListensAgain, "s");
-    bounds_.atMost("what had to happen and did not", stagehand_->failures(), 0, "");
-    reportSizes(stagehand_->sizeBefore(), stagehand_->sizeAfter());
-  }
-
-  void reportFreezes(const std::vector<Stall>& screen, const std::vector<Stall>& machine) {
-    bounds_.tell("longest stall of the machine, as the witness saw",
-                 fmt::format("{:.0f} ms, {} over 30 ms", 1000 * longest(machine), machine.size()));
-    bounds_.tell("longest gap between beats of the screen",
-                 fmt::format("{:.0f} ms, {} over 30 ms", 1000 * longest(screen), screen.size()));
-    const auto ownOf = [&](const Stall& stall) { return own(stall, machine); };
-    const auto worst =
-        std::max_element(screen.begin(), screen.end(),
-                         [&](const Stall& a, const Stall& b) { return ownOf(a) < ownOf(b); });
-    if (worst == screen.end()) return;
-    const std::chrono::duration<double> when = worst->begin - begin_;
-    bounds_.tell(
-        "the worst of the screen's own",
-        fmt::format(
-            "at {:.1f} s: {:.0f} ms, ran {:.0f}, waited for a processor {:.0f}, idle {:.0f}",
-            when.count(), 1000 * worst->seconds(), 1000 * worst->times.ran,
-            1000 * worst->times.waited, 1000 * worst->idle));
-    if (!kSanitized) {
-      bounds_.atMost("longest freeze of the screen's own", 1000 * ownOf(*worst),
-                     1000 * kLongestFreeze, "ms");
-    }
-  }
-
-  void reportRecovery(const std::string& name, const Recovery& recovery) {
-    const auto tell = [&](const std::string& what, const std::vector<double>& times, double bound) {
-      if (times.empty()) return;
-      bounds_.atMost(fmt::format("{}: {}, worst of {}", name, what, times.size()),
-                     *std::max_element(times.begin(), times.end()), bound, "s");
-      bounds_.tell("  median", fmt::format("{:.2f} s", median(times)));
-    };
-    tell("listens", recovery.level, kListensAgain);
-    tell("tells the pitch", recovery.pitch, kListensAgain + kTwoBlocks);
-    tell("tone sounds", recovery.speaker, kListensAgain);
-  }
-
-  void reportSizes(const ProcessSize& before, const ProcessSize& after) {
-    bounds_.tell("descriptors, threads before",
-                 fmt::format("{}, {}", before.descriptors, before.threads));
-    bounds_.atMost("descriptors more", after.descriptors - before.descriptors, 0, "");
-    bounds_.atMost("threads more", after.threads - before.threads, 0, "");
-    bounds_.tell("resident before", fmt::format("{:.0f} KiB", before.residentKib));
-    if (kSanitized) return;
-    bounds_.tell("resident more",
-                 fmt::format("{:.0f} KiB", after.residentKib - before.residentKib));
-    bounds_.tell("heap before", fmt::format("{:.0f} KiB", before.heapKib));
-    bounds_.atMost("heap more", after.heapKib - before.heapKib, kHeapMarginKib, "KiB");
-  }
-
-  static double median(std::vector<double> times) {
-    if (times.empty()) return 0;
-    const auto middle = times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2);
-    std::nth_element(times.begin(), middle, times.end());
-    return *middle;
-  }
-
-  const Options options_;
-  const StallClock::time_point begin_ = StallClock::now();
-  testing::PrivateSoundServer server_;
-  std::optional<Stagehand> stagehand_;
-  std::promise<void> stageMayGo_;
-  Bounds bounds_;
-};
+  Bounds bounds;
+  bounds.tell("presses", fmt::format("{}", screen.presses()));
+  reportFreezes(bounds, screen.stalls(), witness.stop());
+  stagehand.report(bounds);
+  return bounds.exitCode();
+}
 
 }  // namespace
 }  // namespace endpin::soak
 
 int main(int argc, char** argv) {
-  endpin::soak::Options options;
-  CLI::App arguments("The real screen while its sound system comes and goes");
-  arguments.add_option("--minutes", options.minutes, "after a round of each fault")
+  double minutes = 3;
+  std::uint32_t seed = 1;
+  bool verbose = false;
+  CLI::App options("The real screen while its sound system comes and goes");
+  options.add_option("--minutes", minutes, "after a round of each fault")
       ->check(CLI::Range(0.1, 10000.0));
-  arguments.add_option("--seed", options.seed, "of faults and presses");
-  arguments.add_flag("--verbose", options.verbose, "what the application logs, to standard error");
-  try {
-    arguments.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    return arguments.exit(error) == 0 ? 0 : 2;
-  }
-  fmt::print("Live soak: {} min, seed {}\n", options.minutes, options.seed);
-  return endpin::soak::Live(options).run(argc, argv);
+  options.add_option("--seed", seed, "of faults and presses");
+  options.add_flag("--verbose", verbose, "what the application logs, to standard error");
+  CLI11_PARSE(options, argc, argv);
+  fmt::print("Live soak: {} min, seed {}\n", minutes, seed);
+  return endpin::soak::soak(minutes, seed, verbose, argc, argv);
 }

@@ -3,87 +3,88 @@
 // altogether. What is left is what the thread itself waited or worked for.
 #pragma once
 
-#include <atomic>
+#include <algorithm>
 #include <chrono>
-#include <mutex>
+#include <fstream>
+#include <limits>
 #include <thread>
 #include <vector>
 
 namespace endpin::soak {
 
-using StallClock = std::chrono::steady_clock;
+inline double clockSeconds() {
+  const auto now = std::chrono::steady_clock::now().time_since_epoch();
+  return std::chrono::duration<double>(now).count();
+}
 
-// What the kernel knows of a thread, in seconds since it began.
-struct ThreadTimes {
-  double ran = 0;
+// All in seconds; those of a thread since it began.
+struct Beat {
+  double time = std::numeric_limits<double>::infinity();
   double waited = 0;  // ready to run, without a processor
-};
-
-// Asks for the thread that made it.
-class ThreadClock {
- public:
-  ThreadClock();
-  ~ThreadClock();
-  ThreadClock(const ThreadClock&) = delete;
-  [[nodiscard]] ThreadTimes now() const;
-
- private:
-  int file_;
+  double idle = 0;    // with nothing to do: a wake-up that comes late is the machine's
 };
 
 struct Stall {
-  StallClock::time_point begin;
-  StallClock::time_point end;
-  ThreadTimes times;  // of it
-  double idle = 0;    // seconds of it with nothing to do, waiting to be woken
-  [[nodiscard]] double seconds() const {
-    return std::chrono::duration<double>(end - begin).count();
-  }
+  Beat from, to;
+  [[nodiscard]] double seconds() const { return to.time - from.time; }
 };
 
-// Collects the stalls of one thread, which beats it. Those under 30 ms are forgotten.
+// Collects the stalls of the thread that makes it and beats it. Those under 30 ms are forgotten.
 class Heartbeat {
  public:
-  // Thread: the one that is watched, from here on.
-  Heartbeat() : last_(StallClock::now()), lastTimes_(clock_.now()) {}
-  // `idle` are the seconds that the thread has slept for want of work so far: a wake-up that comes
-  // late is the machine's.
-  void beat(double idle = 0);
-
-  // After the last beat.
+  void beat(double idle = 0) {
+    const Beat now{clockSeconds(), waited(), idle};
+    if (now.time - last_.time >= 0.03) stalls_.push_back({last_, now});
+    last_ = now;
+  }
   [[nodiscard]] const std::vector<Stall>& stalls() const { return stalls_; }
-  [[nodiscard]] std::size_t beats() const { return beats_; }
 
  private:
-  const ThreadClock clock_;
-  StallClock::time_point last_;
-  ThreadTimes lastTimes_;
-  double lastIdle_ = 0;
-  std::size_t beats_ = 0;
+  // A kernel that does not tell leaves 0: then the machine is not excused.
+  double waited() {
+    double ran = 0;
+    double waited = 0;
+    schedule_.clear();
+    schedule_.seekg(0);
+    schedule_ >> ran >> waited;  // nanoseconds
+    return waited * 1e-9;
+  }
+
+  std::ifstream schedule_{"/proc/thread-self/schedstat"};
+  Beat last_;
   std::vector<Stall> stalls_;
 };
 
 // A thread with nothing to do but to beat: what stalls it is the machine.
 class Witness {
  public:
-  Witness();
-  ~Witness() { stop(); }
-  Witness(const Witness&) = delete;
-
-  // Ends the thread; its stalls stay.
-  void stop();
-  [[nodiscard]] const std::vector<Stall>& stalls() const { return stalls_; }
+  const std::vector<Stall>& stop() {
+    thread_.request_stop();
+    thread_.join();
+    return stalls_;
+  }
 
  private:
-  std::atomic<bool> quit_ = false;
   std::vector<Stall> stalls_;
-  std::thread thread_;
+  std::jthread thread_{[this](const std::stop_token& stop) {
+    Heartbeat heartbeat;
+    while (!stop.stop_requested()) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+      heartbeat.beat();
+    }
+    stalls_ = heartbeat.stalls();
+  }};
 };
 
-// The longest of the stalls, in seconds.
-[[nodiscard]] double longest(const std::vector<Stall>& stalls);
-
-// What remains of a stall without what the machine is to blame for, in seconds.
-[[nodiscard]] double own(const Stall& stall, const std::vector<Stall>& machine);
+// What remains of a stall, in seconds, without what the machine is to blame for.
+inline double own(const Stall& stall, const std::vector<Stall>& machine) {
+  double witnessed = 0;
+  for (const Stall& other : machine) {
+    witnessed += std::max(
+        0.0, std::min(stall.to.time, other.to.time) - std::max(stall.from.time, other.from.time));
+  }
+  return stall.seconds() - std::max({witnessed, stall.to.waited - stall.from.waited,
+                                     stall.to.idle - stall.from.idle});
+}
 
 }  // namespace endpin::soak
