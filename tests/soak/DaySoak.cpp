@@ -116,9 +116,9 @@ class Day {
 }  // namespace endpin::soak
 
 int main(int argc, char** argv) {
-  double hours = 24;
+  double hours = 8;
   std::uint32_t seed = 1;
-  CLI::App options("A day at the cello on the virtual clock");
+  CLI::App options("Hours at the cello on the virtual clock");
   options.add_option("--hours", hours, "of virtual time")->check(CLI::Range(0.05, 1000.0));
   options.add_option("--seed", seed, "of the script");
   CLI11_PARSE(options, argc, argv);
