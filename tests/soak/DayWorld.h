@@ -2,12 +2,16 @@
 // platforms in memory, all on one virtual clock. One at a time. Thread: main.
 #pragma once
 
+#include <algorithm>
 #include <array>
+#include <functional>
 #include <memory>
+#include <span>
 #include <utility>
 #include <vector>
 
 #include "adapters/bundle/FileBundle.h"
+#include "adapters/capture/CaptureFormat.h"
 #include "adapters/capture/CaptureQueue.h"
 #include "adapters/log/NullLog.h"
 #include "adapters/offline/CountingPlayers.h"
@@ -21,7 +25,6 @@
 #include "cli/TerminalScreen.h"
 #include "ports/Screen.h"
 #include "tests/rating/FakeRatingPlatform.h"
-#include "tests/soak/Cellist.h"
 
 namespace endpin::soak {
 
@@ -31,7 +34,7 @@ struct CountedRunLoop : VirtualRunLoop {
     return VirtualRunLoop::scheduleTimer(seconds, std::move(fire));
   }
   void performAfterDelay(double seconds, Call call) override {
-    mostPending = std::max(mostPending, ++pending);
+    ++pending;
     VirtualRunLoop::performAfterDelay(seconds, [this, call = std::move(call)] {
       --pending;
       call();
@@ -39,79 +42,18 @@ struct CountedRunLoop : VirtualRunLoop {
   }
   int timers = 0;
   int pending = 0;
-  int mostPending = 0;
 };
 
-struct PlayedMicrophone : AudioInput {
-  std::unique_ptr<AudioInputQueue> newInput(const AudioStreamFormat& /*format*/,
-                                            AudioInputCallback callback, void* userData) override {
-    auto made = std::make_unique<CaptureQueue>(callback, userData);
-    queue = made.get();
-    return made;
-  }
-  CaptureQueue* queue = nullptr;
-};
-
-// An output that is pulled by hand, so that the tone is really made.
-struct PulledOutput : AudioOutput {
-  struct Unit : AudioOutputUnit {
-    explicit Unit(PulledOutput& owner) : output(owner) {}
-    AudioStatus setStreamFormat(const AudioStreamFormat& /*format*/) override { return 0; }
-    AudioStatus setRenderCallback(AudioRenderCallback callback, void* userData) override {
-      output.render = [=](AudioOutputBuffer buffer, std::uint32_t frames) {
-        callback(userData, frames, {&buffer, 1});
-      };
-      return 0;
-    }
-    AudioStatus initialize() override { return 0; }
-    AudioStatus start() override { return output.running = true, 0; }
-    AudioStatus stop() override { return output.running = false, 0; }
-    PulledOutput& output;
-  };
-
-  std::unique_ptr<AudioOutputUnit> newOutputUnit() override {
-    ++units;
-    return std::make_unique<Unit>(*this);
-  }
-  // Whether a hundredth of a second of what sounds is loud anywhere.
-  [[nodiscard]] bool sounds() const {
-    if (!running) return false;
-    std::array<std::uint32_t, 441> frames{};
-    render({frames.data()}, static_cast<std::uint32_t>(frames.size()));
-    return std::any_of(frames.begin(), frames.end(), [](std::uint32_t frame) {
-      return static_cast<std::int16_t>(frame & 0xFFFFU) > 3276;
-    });
-  }
-  std::function<void(AudioOutputBuffer, std::uint32_t)> render;
-  bool running = false;
-  int units = 0;
-};
-
-class DayWorld : private Screen {
+class DayWorld : AudioInput, AudioOutput, OfflineSession, Screen {
  public:
   // The application as it is at its tenth launch: everything is saved, and the rating prompt asks.
   DayWorld() {
-    settings.setInteger("numberOfRuns", 9);
-    settings.setInteger("savedSliderValue", 5);
-    settings.setBool("soundNotificationEnabled", true);
-    settings.setBool("frequencyChartEnabled", true);
-    settings.setInteger("a4InHzSavedValue", 440);
-    settings.setBool("NewFirstLaunchCello", true);
+    settings_.setInteger("numberOfRuns", 9);
+    settings_.setBool("soundNotificationEnabled", true);
+    settings_.setInteger("a4InHzSavedValue", 440);
+    settings_.setBool("NewFirstLaunchCello", true);
     screen.connect(controller);
-    RatingPrompt::usePlatform({.clock = rating,
-                               .workQueues = rating,
-                               .mainQueue = runLoop,
-                               .settings = settings,
-                               .reachability = rating,
-                               .probes = rating,
-                               .mainBundle = bundle,
-                               .log = log,
-                               .device = device,
-                               .notifications = rating,
-                               .resourceBundles = rating,
-                               .windows = rating,
-                               .urlOpener = rating,
-                               .modernAlerts = &rating});
+    rating.name(fakes::FakeRatingPlatform::kModern);
     delegate_.applicationDidFinishLaunching();
   }
   ~DayWorld() override { LumoListener::releaseSharedListener(); }
@@ -121,21 +63,20 @@ class DayWorld : private Screen {
 
   // Plays and runs the next tenth of a second with its tick.
   void tick() {
-    ++ticks;
-    const auto due = ticks * kCaptureRateDoubled / 20;
-    captured_.resize(static_cast<std::size_t>(due - std::exchange(samples_, due)));
-    cellist.fill(captured_);
-    microphone.queue->deliver(captured_);
+    const auto due = ++ticks * kCaptureRateDoubled / 20;
+    std::vector<std::int16_t> captured(due - std::exchange(samples_, due));
+    const auto part = toPlay.first(std::min(toPlay.size(), captured.size()));
+    std::copy(part.begin(), part.end(), captured.begin());
+    toPlay = toPlay.subspan(part.size());
+    microphone->deliver(captured);
     runLoop.runUntil(now());
     rating.advance(0.1);
+    rating.log.clear();
   }
 
   void leaveAndReturn() {
     if (rating.resign) rating.resign();
-    delegate_.applicationWillResignActive();
-    delegate_.applicationDidEnterBackground();
     delegate_.applicationWillEnterForeground();
-    delegate_.applicationDidBecomeActive();
   }
 
   // Puts the rating alert off, if it is there.
@@ -146,28 +87,53 @@ class DayWorld : private Screen {
     rating.root.presented.reset();
   }
 
-  struct Session : OfflineSession {
-    [[nodiscard]] float outputVolume() const override { return volume; }
-    float volume = 1;
-  };
+  // Whether the tuning fork is loud anywhere in the next hundredth of a second.
+  [[nodiscard]] bool forkSounds() const {
+    std::array<std::uint32_t, 441> frames{};
+    pull_({frames.data()}, static_cast<std::uint32_t>(frames.size()));
+    return std::any_of(frames.begin(), frames.end(), [](std::uint32_t frame) {
+      return static_cast<std::int16_t>(frame & 0xFFFFU) > 3276;
+    });
+  }
 
-  NullLog log;
-  CountedRunLoop runLoop;
-  Cellist cellist;
-  PlayedMicrophone microphone;
-  Session session;
-  CountingPlayers players;
-  PulledOutput output;
-  MemoryStore settings;
-  FixedDevice device;
-  FileBundle bundle{{ENDPIN_RESOURCES, "en", "1.0"}, log};
-  Platform platform{microphone, session, players, output, runLoop, settings, device, bundle, log};
-  TerminalScreen screen;
-  ViewController controller{platform, false};
-  fakes::FakeRatingPlatform rating;  // its clock, network and window
+  std::span<const std::int16_t> toPlay;  // silence follows
+  CaptureQueue* microphone = nullptr;    // the listener's
+  float volume = 1;
+  bool forkRuns = false;
+  int forks = 0;
   std::uint64_t ticks = 0;
+  CountedRunLoop runLoop;
+  CountingPlayers players;
+  fakes::FakeRatingPlatform rating;
+  TerminalScreen screen;
 
  private:
+  struct Fork : AudioOutputUnit {
+    explicit Fork(DayWorld& owner) : world(owner) {}
+    AudioStatus setStreamFormat(const AudioStreamFormat& /*format*/) override { return 0; }
+    AudioStatus setRenderCallback(AudioRenderCallback callback, void* userData) override {
+      world.pull_ = [=](AudioOutputBuffer buffer, std::uint32_t frames) {
+        callback(userData, frames, {&buffer, 1});
+      };
+      return 0;
+    }
+    AudioStatus initialize() override { return 0; }
+    AudioStatus start() override { return world.forkRuns = true, 0; }
+    AudioStatus stop() override { return world.forkRuns = false, 0; }
+    DayWorld& world;
+  };
+
+  std::unique_ptr<AudioInputQueue> newInput(const AudioStreamFormat& /*format*/,
+                                            AudioInputCallback callback, void* userData) override {
+    auto queue = std::make_unique<CaptureQueue>(callback, userData);
+    microphone = queue.get();
+    return queue;
+  }
+  std::unique_ptr<AudioOutputUnit> newOutputUnit() override {
+    ++forks;
+    return std::make_unique<Fork>(*this);
+  }
+  [[nodiscard]] float outputVolume() const override { return volume; }
   void installLayout(const std::string& /*name*/) override {
     controller.viewDidLoad();
     controller.viewWillAppear(false);
@@ -176,9 +142,17 @@ class DayWorld : private Screen {
   void setNeedsStatusBarAppearanceUpdate(bool /*hidden*/) override {}
   void setStatusBarHidden(bool /*hidden*/, int /*animation*/) override {}
 
-  AppDelegate delegate_{{device, *this, log}};
-  std::vector<std::int16_t> captured_;
+  NullLog log_;
+  MemoryStore settings_;
+  FixedDevice device_;
+  FileBundle bundle_{{ENDPIN_RESOURCES, "en", "1.0"}, log_};
+  Platform platform_{*this, *this, players, *this, runLoop, settings_, device_, bundle_, log_};
+  AppDelegate delegate_{{device_, *this, log_}};
+  std::function<void(AudioOutputBuffer, std::uint32_t)> pull_;
   std::uint64_t samples_ = 0;
+
+ public:
+  ViewController controller{platform_, false};
 };
 
 }  // namespace endpin::soak

@@ -39,19 +39,14 @@ class Bounds {
     std::fflush(stdout);
   }
   void atMost(std::string_view what, double figure, double bound, std::string_view unit = "") {
-    judge(what, figure, figure <= bound, fmt::format("{} (at most {:.6g})", unit, bound));
-  }
-  void atLeast(std::string_view what, double figure, double bound, std::string_view unit = "") {
-    judge(what, figure, figure >= bound, fmt::format("{} (at least {:.6g})", unit, bound));
+    const bool kept = figure <= bound;
+    kept_ = kept_ && kept;
+    tell(what,
+         fmt::format("{:.6g} {} (at most {:.6g}){}", figure, unit, bound, kept ? "" : "  BROKEN"));
   }
   [[nodiscard]] int exitCode() const { return kept_ ? 0 : 1; }
 
  private:
-  void judge(std::string_view what, double figure, bool kept, const std::string& bound) {
-    tell(what, fmt::format("{:.6g} {}{}", figure, bound, kept ? "" : "  BROKEN"));
-    kept_ = kept_ && kept;
-  }
-
   bool kept_ = true;
 };
 
