@@ -297,7 +297,7 @@ class Day {
   }
   void expectQuiet() {
     expect(beepsIn(200) == 0, "a beep in silence");
-    expect(world_.runLoop.pending == 0 && world_.rating.main.empty(), "calls wait in silence");
+    expect(world_.runLoop.pending == 0 && world_.rating.work.empty(), "calls wait in silence");
   }
   std::uint64_t beepsIn(int ticks) {
     const std::uint64_t before = world_.players.plays();
@@ -334,7 +334,7 @@ class Day {
 }  // namespace endpin::soak
 
 int main(int argc, char** argv) {
-  double hours = 8;
+  double hours = 24;
   std::uint32_t seed = 1;
   CLI::App options("Hours at the cello on the virtual clock");
   options.add_option("--hours", hours, "of virtual time")->check(CLI::Range(0.05, 1000.0));

@@ -53,7 +53,7 @@ class DayWorld : AudioInput, AudioOutput, OfflineSession, Screen {
     settings_.setInteger("a4InHzSavedValue", 440);
     settings_.setBool("NewFirstLaunchCello", true);
     screen.connect(controller);
-    rating.name(fakes::FakeRatingPlatform::kModern);
+    rating.use(fakes::FakeRatingPlatform::kModern);
     delegate_.applicationDidFinishLaunching();
   }
   ~DayWorld() override { LumoListener::releaseSharedListener(); }
@@ -71,7 +71,7 @@ class DayWorld : AudioInput, AudioOutput, OfflineSession, Screen {
     microphone->deliver(captured);
     runLoop.runUntil(now());
     rating.advance(0.1);
-    rating.log.clear();
+    rating.log.lines.clear();
   }
 
   void leaveAndReturn() {

@@ -43,8 +43,8 @@ Sound bowedTone(double rate, double seconds, double fundamental, double level) {
   return scaledToRms(harmonics(rate, seconds, fundamental, amplitudes), level);
 }
 
-Sound noise(double rate, double seconds, double level) {
-  std::mt19937 engine(1);
+Sound noise(double rate, double seconds, double level, std::uint32_t seed) {
+  std::mt19937 engine(seed);
   std::normal_distribution<float> normal(0.0F, static_cast<float>(level));
   Sound sound = silence(rate, seconds);
   if (level > 0.0) std::ranges::generate(sound.samples, [&] { return normal(engine); });

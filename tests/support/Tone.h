@@ -20,8 +20,8 @@ Sound harmonics(double rate, double seconds, double fundamental,
                 const std::vector<double>& amplitudes);
 // What a bowed string is to these tests: 12 harmonics falling like 1/k, at this RMS level.
 Sound bowedTone(double rate, double seconds, double fundamental, double level = 0.1);
-// White, Gaussian, of this RMS level, always the same.
-Sound noise(double rate, double seconds, double level);
+// White, Gaussian, of this RMS level; the same for the same seed.
+Sound noise(double rate, double seconds, double level, std::uint32_t seed = 1);
 Sound silence(double rate, double seconds);
 
 double rms(const Sound& sound);
