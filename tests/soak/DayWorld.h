@@ -72,6 +72,7 @@ class DayWorld : AudioInput, AudioOutput, OfflineSession, Screen {
     runLoop.runUntil(now());
     rating.advance(0.1);
     rating.log.lines.clear();
+    rating.store.writes.clear();
   }
 
   void leaveAndReturn() {
