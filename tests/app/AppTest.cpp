@@ -207,6 +207,8 @@ TEST_F(ViewControllerTest, StartsInOrderAndKeepsEveryTimer) {
     run.app.viewWillAppear(false);
     EXPECT_EQ(run.fake.runLoop.timers, (std::vector{0.1, 0.5, 0.5}));
     EXPECT_EQ(run.fake.output.unitsMade, 2);
+    run.app.playA3();
+    EXPECT_EQ(run.fake.output.started, 2) << "not the newest";
   }
 }
 

@@ -113,7 +113,7 @@ struct FakePlayers final : AudioPlayers {
 
 struct FakeOutput final : AudioOutput {
   struct Unit final : AudioOutputUnit {
-    explicit Unit(FakeOutput& output) : owner(output) {}
+    explicit Unit(FakeOutput& output) : owner(output), number(output.unitsMade) {}
     AudioStatus setStreamFormat(const AudioStreamFormat& wanted) override {
       owner.format = wanted;
       return 0;
@@ -124,9 +124,13 @@ struct FakeOutput final : AudioOutput {
       return 0;
     }
     AudioStatus initialize() override { return 0; }
-    AudioStatus start() override { return ++owner.starts, 0; }
+    AudioStatus start() override {
+      owner.started = number;
+      return ++owner.starts, 0;
+    }
     AudioStatus stop() override { return ++owner.stops, 0; }
     FakeOutput& owner;
+    const int number;
   };
   std::unique_ptr<AudioOutputUnit> newOutputUnit() override {
     if (missing) return nullptr;
@@ -134,7 +138,7 @@ struct FakeOutput final : AudioOutput {
     return std::make_unique<Unit>(*this);
   }
   bool missing = false;
-  int unitsMade = 0, starts = 0, stops = 0;
+  int unitsMade = 0, started = 0, starts = 0, stops = 0;
   AudioStreamFormat format;
   AudioRenderCallback callback = nullptr;
   void* userData = nullptr;
