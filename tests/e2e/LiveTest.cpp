@@ -20,7 +20,6 @@ double secondsSince(Clock::time_point start) {
   return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-// Waits for a new tick of this kind; false when the time is up or the program has ended.
 // Waits for a new tick of this kind; false when the time is up.
 template <typename Condition>
 bool hears(const ChildProcess& listener, Condition holds, std::chrono::milliseconds limit) {
