@@ -26,9 +26,11 @@ inline constexpr AudioStreamFormat kCaptureFormat = {
 
 // Whether `format` is the one that the microphones deliver; they convert to no other.
 [[nodiscard]] constexpr bool isCaptureFormat(const AudioStreamFormat& format) {
-  return format.mSampleRate == kCaptureRate && format.mFormatID == kAudioFormatLinearPCM &&
+  return format.mSampleRate == kCaptureFormat.mSampleRate &&
+         format.mFormatID == kCaptureFormat.mFormatID &&
          (format.mFormatFlags & kAudioFormatFlagIsSignedInteger) != 0 &&
-         format.mChannelsPerFrame == 1 && format.mBitsPerChannel == 16;
+         format.mChannelsPerFrame == kCaptureFormat.mChannelsPerFrame &&
+         format.mBitsPerChannel == kCaptureFormat.mBitsPerChannel;
 }
 
 }  // namespace endpin
