@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Steps that package.sh and arm64.sh share. The working folder is the root of the project.
 
 say() { printf '%s\n' "$*" >&2; }

@@ -16,7 +16,7 @@ same() {
 
 # The lines after .TP define options; texts and examples name others.
 options_of_page() {
-  sed -n "/^\.SH $2\$/,/^\.SH /p" "$pages/$1.1.in" | grep -A1 '^\.TP' | tr -d '\\' |
+  sed -n "/^\.SH $2\$/,/^\.SH /p" "$pages/$1.1.in" | grep -A1 '^\.TP' | tr -d '\134' |
     grep -oE -- '--[a-z0-9-]+'
 }
 options_of_help() { sed -nE 's/^  (-[a-z],)?(--[a-z0-9-]+).*/\2/p'; }

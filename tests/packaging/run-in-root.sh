@@ -62,7 +62,7 @@ echo "The screen"
 # The panels stand still, so that the two pictures are of the same moment.
 for panel in settings chart; do
   for language in en de; do
-    options=(--device phone:844 --language $language --panel $panel --after 2)
+    options=(--device phone:844 --language "$language" --panel "$panel" --after 2)
     here endpin "${options[@]}" --screenshot "$work/cellist/screen.png"
     there endpin "${options[@]}" --screenshot /tmp/cellist/screen.png
     alike "$panel, $language" "$work/cellist/screen.png" "$root/tmp/cellist/screen.png"
