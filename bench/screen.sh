@@ -2,16 +2,18 @@
 # What the screen costs on a virtual display, drawn by the processor: start to first frame, resident
 # memory, share of one core while listening. `./dev bench` runs it.
 #   bench/screen.sh ENDPIN SOUND
+# SCREEN_SECONDS in the environment: how long it listens (10).
 set -euo pipefail
 endpin=$1 sound=$2
-seconds=10
+seconds=${SCREEN_SECONDS:-10}
 
 work=$(mktemp -d)
 Xvfb -displayfd 3 -screen 0 1280x1600x24 -nolisten tcp 3>"$work/display" 2>/dev/null &
 xvfb=$!
 trap 'kill $xvfb 2>/dev/null; rm -rf "$work"' EXIT
 until [ -s "$work/display" ]; do sleep 0.05; done
-export DISPLAY=:$(cat "$work/display") QT_QPA_PLATFORM=xcb QT_QUICK_BACKEND=software
+DISPLAY=:$(cat "$work/display")
+export DISPLAY QT_QPA_PLATFORM=xcb QT_QUICK_BACKEND=software
 export XDG_RUNTIME_DIR=$work
 chmod 700 "$work"
 
@@ -43,10 +45,11 @@ for device in phone:844 tablet:1366; do
   program=$!
   sleep 2
   before=$(ticks $program)
-  sleep $seconds
+  sleep "$seconds"
   after=$(ticks $program)
   memory=$(awk '/VmRSS/ {print int($2 / 1024)}' "/proc/$program/status")
-  kill -TERM $program && wait $program || true
+  kill -TERM $program
+  wait $program || true
   echo "$device: first frame $(sed -n 3p <<<"$times") ms (median of 5)," \
     "$memory MiB resident, $(((after - before) * 100 / seconds / $(getconf CLK_TCK))) % of one core"
 done
