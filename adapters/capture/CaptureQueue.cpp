@@ -20,6 +20,7 @@ AudioStatus CaptureQueue::allocateBuffer(std::uint32_t byteSize, AudioInputBuffe
   *buffer = &owned->buffer;
   const std::lock_guard lock(buffersMutex_);
   buffers_.push_back(std::move(owned));
+  queued_.reserve(buffers_.size());  // no buffer is queued twice: it never grows again
   return kSuccess;
 }
 
@@ -27,7 +28,8 @@ AudioStatus CaptureQueue::enqueueBuffer(AudioInputBuffer* buffer) {
   const std::lock_guard lock(buffersMutex_);
   const bool ours = std::any_of(buffers_.begin(), buffers_.end(),
                                 [&](const auto& owned) { return &owned->buffer == buffer; });
-  if (!ours) return kBadParameter;
+  const bool isQueued = std::find(queued_.begin(), queued_.end(), buffer) != queued_.end();
+  if (!ours || isQueued) return kBadParameter;
   queued_.push_back(buffer);
   return kSuccess;
 }
@@ -96,7 +98,7 @@ AudioInputBuffer* CaptureQueue::takeBuffer() {
   const std::lock_guard lock(buffersMutex_);
   if (queued_.empty()) return nullptr;
   AudioInputBuffer* buffer = queued_.front();
-  queued_.pop_front();
+  queued_.erase(queued_.begin());
   return buffer;
 }
 

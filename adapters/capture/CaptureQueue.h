@@ -10,7 +10,6 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <memory>
 #include <mutex>
 #include <span>
@@ -34,7 +33,7 @@ class CaptureQueue : public AudioInputQueue {
 
   // A buffer too small for a block is refused.
   AudioStatus allocateBuffer(std::uint32_t byteSize, AudioInputBuffer** buffer) override;
-  // Null and a buffer of another queue are refused.
+  // Null, a buffer of another queue and one that is queued already are refused.
   AudioStatus enqueueBuffer(AudioInputBuffer* buffer) override;
 
   AudioStatus start() override;
@@ -78,7 +77,7 @@ class CaptureQueue : public AudioInputQueue {
 
   mutable std::mutex buffersMutex_;  // guards the two below
   std::vector<std::unique_ptr<OwnedBuffer>> buffers_;
-  std::deque<AudioInputBuffer*> queued_;
+  std::vector<AudioInputBuffer*> queued_;  // the one to be filled next first
 
   // Held while samples are delivered, callbacks included, and for every change of the state below.
   std::mutex deliveryMutex_;

@@ -6,6 +6,8 @@
 #include <cmath>
 #include <thread>
 
+#include "tests/fakes/AllocationCounter.h"
+
 namespace endpin {
 namespace {
 
@@ -66,6 +68,24 @@ TEST_F(CaptureQueueTest, BuffersCirculateInOrderAndABlockWithoutOneIsLost) {
   EXPECT_EQ(firsts.back(), 10) << "the newest sound, not the lost one";
 }
 
+TEST(CaptureQueue, AllocatesNothingPerBuffer) {
+  CaptureQueue queue([](void*, AudioInputQueue* from,
+                        AudioInputBuffer* full) { EXPECT_EQ(from->enqueueBuffer(full), 0); },
+                     nullptr);
+  AudioInputBuffer* buffers[3] = {};
+  for (AudioInputBuffer*& buffer : buffers) {
+    ASSERT_EQ(queue.allocateBuffer(8192, &buffer), 0);
+    ASSERT_EQ(queue.enqueueBuffer(buffer), 0);
+  }
+  queue.enableLevelMetering(1);
+  queue.start();
+  const std::vector<std::int16_t> burst(1500, 9);
+  const std::size_t before = fakes::allocationCount();
+  for (int i = 0; i < 1000; ++i) queue.deliver(burst);
+  EXPECT_EQ(fakes::allocationCount(), before);
+  EXPECT_EQ(queue.lostBlocks(), 0U);
+}
+
 TEST_F(CaptureQueueTest, RunsWhileStartedAndDelivered) {
   deliver(5000, 1);
   EXPECT_FALSE(running());
@@ -111,11 +131,14 @@ TEST_F(CaptureQueueTest, TheLevelIsOfTheLast702SamplesAndForgottenWithTheDevice)
   EXPECT_EQ(level().mAveragePower, 0.0F);
 }
 
-TEST_F(CaptureQueueTest, ForeignBuffersAreRefused) {
+TEST_F(CaptureQueueTest, ForeignAndQueuedBuffersAreRefused) {
   AudioInputBuffer foreign;
   AudioInputBuffer* buffer = &foreign;
   EXPECT_NE(queue.enqueueBuffer(&foreign), 0);
   EXPECT_NE(queue.enqueueBuffer(nullptr), 0);
+  ASSERT_EQ(queue.allocateBuffer(8192, &buffer), 0);
+  EXPECT_EQ(queue.enqueueBuffer(buffer), 0);
+  EXPECT_NE(queue.enqueueBuffer(buffer), 0) << "it is queued already";
   EXPECT_NE(queue.allocateBuffer(8190, &buffer), 0);
   EXPECT_EQ(buffer, nullptr);
 }
