@@ -102,6 +102,7 @@ void LumoListener::setupQueue() {
 }
 
 void LumoListener::setupFormat() {
+  estimatedBlock_ = kNoBlock;  // the rate counts too
   format = {.mSampleRate = kSampleRate,
             .mFormatID = kAudioFormatLinearPCM,
             .mFormatFlags = kAudioFormatFlagIsSignedInteger | kAudioFormatFlagIsPacked,
@@ -132,18 +133,29 @@ void LumoListener::setAudioBuffer(const std::int16_t* samples, std::uint32_t byt
   const std::lock_guard lock(instanceLock_);
   std::memcpy(audio_data.data(), samples, byteLength);
   audio_data_len = byteLength;
+  ++newestBlock_;
 }
 
 float LumoListener::frequency() {
   std::array<std::int16_t, 8192> block;
   std::uint32_t byteLength = 0;
+  std::uint64_t number = kNoBlock;
   {
     const std::lock_guard lock(instanceLock_);
+    number = newestBlock_;
+    if (number == estimatedBlock_) return estimate_;
     std::copy_n(audio_data.begin(), kBlockBytes / sizeof(std::int16_t), block.begin());
     byteLength = audio_data_len;
   }
   if (byteLength == 0) return 0.0F;
-  return getFreqFromBuffer(block.data(), byteLength);
+  estimate_ = getFreqFromBuffer(block.data(), byteLength);
+  estimatedBlock_ = number;
+  return estimate_;
+}
+
+float LumoListener::getFreqFromBuffer(const std::int16_t* samples, std::uint32_t byteLength) {
+  estimatedBlock_ = kNoBlock;
+  return estimator_.getFreqFromBuffer(samples, byteLength, format.mSampleRate);
 }
 
 // Thread: capture. A buffer that comes while the queue does not run is not given back.

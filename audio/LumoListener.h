@@ -79,19 +79,21 @@ class LumoListener {
   // Keeps a copy of the newest block; at most 8192 bytes, unchecked. Thread: any.
   void setAudioBuffer(const std::int16_t* samples, std::uint32_t byteLength);
 
-  // Pitch of the newest block in hertz; 0 before the first block. Thread: main.
+  // Pitch of the newest block in hertz; 0 before the first block. Five ticks out of six find the
+  // block of the tick before: it is estimated once, and its answer and its spectrum stay.
+  // Thread: main.
   float frequency();
 
-  // The estimate and its steps, see PitchEstimator.
-  float getFreqFromBuffer(const std::int16_t* samples, std::uint32_t byteLength) {
-    return estimator_.getFreqFromBuffer(samples, byteLength, format.mSampleRate);
-  }
+  // The estimate and its steps, see PitchEstimator. Thread: main.
+  float getFreqFromBuffer(const std::int16_t* samples, std::uint32_t byteLength);
   double* freq_db() { return estimator_.freq_db(); }
   double* freq_db_harmonic() { return estimator_.freq_db_harmonic(); }
 
  private:
   explicit LumoListener(const Ports& platform) : ports_(platform) {}
   ~LumoListener();
+
+  static constexpr std::uint64_t kNoBlock = 0;
 
   static void listenerInputCallback(void* userData, AudioInputQueue* queue,
                                     AudioInputBuffer* buffer);
@@ -107,8 +109,11 @@ class LumoListener {
   [[maybe_unused]] double sampleRate = 0;       // unused; the format's rate is the one that counts
   std::array<std::int16_t, 8192> audio_data{};  // only the first half is ever filled
   std::uint32_t audio_data_len = 0;             // bytes; 0 until the first block
+  std::uint64_t newestBlock_ = kNoBlock;        // numbers them
   PitchEstimator estimator_;
-  std::recursive_mutex instanceLock_;  // guards audio_data and audio_data_len
+  std::uint64_t estimatedBlock_ = kNoBlock;  // the one whose spectrum the estimator holds
+  float estimate_ = 0;                       // hertz, of that block
+  std::recursive_mutex instanceLock_;        // guards audio_data, audio_data_len, newestBlock_
 };
 
 }  // namespace endpin

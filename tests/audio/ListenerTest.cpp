@@ -119,6 +119,36 @@ TEST_F(ListenerTest, KeepsTheNewestBlockAndLosesTheBuffersOfAPause) {
   EXPECT_NEAR(listener().frequency(), 220, 0.22);
 }
 
+// A mark left in the spectrum stays where a block was not estimated again.
+TEST_F(ListenerTest, EstimatesABlockOnceUnlessSomethingElseWasEstimatedSince) {
+  const auto block = [](double hertz) {
+    return testing::toS16(testing::bowedTone(7019.5, 4096 / 7019.5, hertz));
+  };
+  const auto marked = [](bool anew) {
+    constexpr double kMark = -1.0;
+    listener().freq_db()[16383] = kMark;
+    const float frequency = listener().frequency();
+    EXPECT_EQ(listener().freq_db()[16383] != kMark, anew);
+    return frequency;
+  };
+  const auto early = block(98);
+  listener().setAudioBuffer(early.data(), 8192);
+  EXPECT_EQ(listener().frequency(), 0.0F) << "no rate yet";
+  listener().listen();
+  EXPECT_NEAR(marked(true), 98, 0.22) << "the queue brought the rate";
+
+  ASSERT_TRUE(hear(146.8));
+  const float first = marked(true);
+  for (int tick = 0; tick < 5; ++tick) EXPECT_EQ(marked(false), first);
+  const auto other = block(220);
+  EXPECT_NEAR(listener().getFreqFromBuffer(other.data(), 8192), 220, 0.22);
+  EXPECT_EQ(marked(true), first) << "the spectrum is that of the newest block again";
+  listener().setAudioBuffer(other.data(), 8192);
+  EXPECT_NEAR(marked(true), 220, 0.22);
+  listener().setAudioBuffer(other.data(), 0);
+  EXPECT_EQ(marked(false), 0.0F);
+}
+
 // The blocks that the capture thread swaps in are constants: a mixture of two, or more than the
 // 4096 samples of one, would show in the mean.
 TEST_F(ListenerTest, CaptureAndFrequencyNeverMixBlocks) {
