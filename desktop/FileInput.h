@@ -1,6 +1,6 @@
-// A sound file as the microphone, in real time: a virtual clock that follows the real one. The file
-// begins when the application starts to listen; after its end the microphone is silent.
-// Thread: main.
+// A sound file as the microphone, in real time: a virtual clock follows the real one, a fiftieth of
+// a second at a time. The file begins when the application starts to listen; silence follows it,
+// and goes on as that of a quiet room does. Thread: main.
 #pragma once
 
 #include <chrono>

@@ -42,19 +42,18 @@ class FileFeed : public std::enable_shared_from_this<FileFeed> {
       const auto self = feed.lock();
       if (!self || self->round_ != round) return;
       self->captureUntil(blockEnd);
-      if (!self->fileEnded_) self->awaitBlock();
+      self->awaitBlock();
     });
   }
 
   void captureUntil(std::uint64_t count) {
     std::array<std::int16_t, kBlockSamples> samples{};
-    while (captured_ < count && !fileEnded_) {
+    while (captured_ < count) {
       const auto wanted = std::min<std::uint64_t>(count - captured_, samples.size());
       const auto part = std::span(samples).first(static_cast<std::size_t>(wanted));
-      const std::size_t taken = sound_.take(part);
-      fileEnded_ = taken < part.size();
-      captured_ += taken;
-      queue_.deliver(part.first(taken));
+      std::ranges::fill(part.subspan(sound_.take(part)), std::int16_t{0});
+      captured_ += wanted;
+      queue_.deliver(part);
     }
   }
 
@@ -64,7 +63,6 @@ class FileFeed : public std::enable_shared_from_this<FileFeed> {
   std::optional<double> begin_;  // when the file began, by the virtual clock
   std::uint64_t captured_ = 0;   // samples
   std::uint64_t round_ = 0;      // which awaited block counts
-  bool fileEnded_ = false;
 };
 
 class FileInputQueue : public CaptureQueue {

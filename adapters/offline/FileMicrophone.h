@@ -1,7 +1,7 @@
 // A sound file as the microphone, on the virtual clock: the file begins when the queue is started
-// first. At t seconds floor(t × 7019.5) samples are captured, as many as the file holds, and the
-// block that they complete reaches the callback at that instant. A last partial block is never
-// delivered. Thread: main; so is the callback, because the virtual clock has no other.
+// first, and silence follows it: samples of value 0, for as long as the clock runs. At t seconds
+// floor(t × 7019.5) samples are captured, and the block that they complete reaches the callback at
+// that instant. Thread: main; so is the callback, because the virtual clock has no other.
 #pragma once
 
 #include <memory>
