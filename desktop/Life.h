@@ -20,8 +20,8 @@ class Life {
   // cannot. Both outlive the life, which outlives the event loop.
   Life(const Platform& platform, LayoutWindow& window)
       : motion_([&window](bool reduced) { window.setReducedMotion(reduced); }),
-        rating_(platform, window.window()),
         delegate_({platform.device, window, platform.log}) {
+    if (!window.isPicture()) rating_.emplace(platform, window.window());
     delegate_.applicationDidFinishLaunching();
     if (!window.hasLayout()) throw ProgramError(kExitFailure, "the screen cannot be shown");
     watch_.emplace(window.window(), [this] { delegate_.applicationWillEnterForeground(); });
@@ -31,7 +31,7 @@ class Life {
 
  private:
   MotionPreference motion_;
-  Rating rating_;
+  std::optional<Rating> rating_;  // none for a picture, which is no use of the application
   AppDelegate delegate_;
   std::optional<ForegroundWatch> watch_;  // of a window that is shown
 };

@@ -64,8 +64,9 @@ Options checked(Arguments arguments) {
   if (!(options.after >= 0 && options.after <= kLongest)) {
     rejectArguments(fmt::format("--after takes seconds from 0 to {:.0f}", kLongest));
   }
-  options.store =
-      arguments.store.empty() ? defaultStorePath() : std::filesystem::path(arguments.store);
+  options.store = arguments.store;
+  // A picture leaves nothing behind unless it is told where.
+  if (options.store.empty() && options.screenshot.empty()) options.store = defaultStorePath();
   return options;
 }
 

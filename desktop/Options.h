@@ -15,7 +15,7 @@ struct Options {
   std::optional<DeviceModel> device;  // to simulate; none: what the screen suggests
   std::string input;                  // sound file in place of the microphone; empty: none
   std::string inputDevice;            // name or id of the microphone; empty: the default one
-  std::filesystem::path store;        // the settings
+  std::filesystem::path store;        // the settings; empty: in memory only
   std::string language;               // tag; empty: the system's
   std::string panel;                  // to open at start; empty: none
   std::string screenshot;             // file to write; empty: none

@@ -5,6 +5,7 @@
 #include "adapters/cli11/ProgramError.h"
 #include "adapters/log/NullLog.h"
 #include "adapters/log/StreamLog.h"
+#include "adapters/offline/MemoryStore.h"
 #include "adapters/qt/QtDevice.h"
 #include "adapters/qt/QtRunLoop.h"
 #include "adapters/qt/QuitSignals.h"
@@ -21,6 +22,11 @@
 namespace endpin {
 namespace {
 
+std::unique_ptr<SettingsStore> openSettings(const Options& options, Log& log) {
+  if (options.store.empty()) return std::make_unique<MemoryStore>();
+  return std::make_unique<SqliteStore>(options.store, log);
+}
+
 int run(const Options& options, char** arguments) {
   StreamLog problems(stderr);
   NullLog nowhere;
@@ -35,10 +41,10 @@ int run(const Options& options, char** arguments) {
   const QuitSignals quitSignals;
   QtRunLoop runLoop;
   sound.follow(runLoop);
-  SqliteStore settings(options.store, problems);
+  const auto settings = openSettings(options, problems);
   QtDevice device(chooseDevice(options), log);
   Platform platform{sound.input(),  sound.session(), sound.players(),
-                    sound.output(), runLoop,         settings,
+                    sound.output(), runLoop,         *settings,
                     device,         bundle,          log};
 
   ViewController controller(platform);

@@ -13,7 +13,7 @@ namespace {
 
 void check(const Options& options) {
   require(options.after >= 0 && options.after <= 86400, "a screenshot comes within a day");
-  require(!options.store.empty(), "the settings have a place");
+  require(!options.store.empty() || !options.screenshot.empty(), "the settings have a place");
   require(options.input.empty() || options.inputDevice.empty(), "there is one microphone");
   require(!chooseLanguage(options.language, applicationResourcePath()).empty(),
           "there is a language");

@@ -17,9 +17,8 @@ shot() {
   local name=$1
   shift
   QT_QPA_PLATFORM=offscreen LC_ALL=C.UTF-8 "$dir/endpin" --device phone:844 \
-    --store "$dir/screenshots.db" --screenshot "$dir/screenshots/$name.png" "$@"
+    --screenshot "$dir/screenshots/$name.png" "$@"
 }
-rm -f "$dir"/screenshots.db*
 cmake --build "$dir" --target endpin_four_strings
 shot tuned --input "$dir/resources/four-strings.flac" --after 2.6
 shot settings --panel settings

@@ -20,7 +20,7 @@ shoot() {
   local device=${1/-/:} panel=()
   [[ $1 != panel-* ]] || { device=phone:844 panel=(--panel "${1#panel-}"); }
   timeout 60 "$endpin" --device "$device" "${panel[@]}" --input "$sound" --language en \
-    --store "$work/$1.db" --screenshot "$work/$1.png" --after 5.9
+    --screenshot "$work/$1.png" --after 5.9
 }
 
 for picture in "$@"; do

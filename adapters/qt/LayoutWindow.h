@@ -51,6 +51,7 @@ class LayoutWindow final : public Screen {
   void setStatusBarHidden(bool hidden, int animation) override;
 
   [[nodiscard]] bool hasLayout() const { return root_ != nullptr; }
+  [[nodiscard]] bool isPicture() const { return setup_.presentation == Presentation::Picture; }
   void setReducedMotion(bool reduced);
 
   // Writes what the window shows now, at the density that it shows it in. Says what went wrong.

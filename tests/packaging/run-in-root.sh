@@ -19,9 +19,10 @@ cp -r "$root/tmp/cellist" "$work/"
 chown -R 65534:65534 "$root/tmp/cellist"
 
 clean=(env -i PATH="$PATH" QT_QPA_PLATFORM=offscreen LC_ALL=C.UTF-8)
+# $seconds, if set: how long it runs until it is asked to end.
 there() {
-  "${clean[@]}" HOME=/tmp/cellist chroot --userspec=65534:65534 "$root" \
-    ${emulator:+"$emulator"} "/usr/bin/$1" "${@:2}"
+  ${seconds:+timeout --preserve-status "$seconds"} "${clean[@]}" HOME=/tmp/cellist \
+    chroot --userspec=65534:65534 "$root" ${emulator:+"$emulator"} "/usr/bin/$1" "${@:2}"
 }
 here() { "${clean[@]}" HOME="$work/cellist" "$build/$1" "${@:2}"; }
 
@@ -68,6 +69,8 @@ for panel in settings chart; do
     alike "$panel, $language" "$work/cellist/screen.png" "$root/tmp/cellist/screen.png"
   done
 done
+echo "Settings"
+seconds=10 there endpin --device phone:844 || failed=1
 [ -f "$root/tmp/cellist/.local/share/endpin/settings.db" ] ||
   { echo "no settings were kept"; failed=1; }
 exit $failed

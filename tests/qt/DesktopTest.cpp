@@ -8,6 +8,9 @@
 #include <fstream>
 #include <thread>
 
+#include "adapters/log/NullLog.h"
+#include "adapters/sqlite/SqliteStore.h"
+#include "rating/UsageBook.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/PrivateSoundServer.h"
 #include "tests/support/SampledCello.h"
@@ -133,13 +136,27 @@ TEST_F(DesktopTest, ABowedStringLightsTheLampAndBeepsOnce) {
   const std::string file = server.folder().file("d3.wav");
   testing::writeWav(file, testing::sampledCello(
                               {.midiNote = 50, .frequency = testing::kCelloStrings[1].frequency}));
-  screen("0");
+  const testing::Command keep = {"--store", folder.file("settings.db")};
+  screen("0", keep);
   const ChildProcess speaker = server.record("speaker.monitor");
   const ChildProcess bow = server.playIntoMicrophone(file);
-  EXPECT_GT(greenPixels(screen("5")), 500);
+  EXPECT_GT(greenPixels(screen("5", keep)), 500);
   const double beep = testing::soundingSeconds(testing::PrivateSoundServer::recorded(speaker));
   EXPECT_GT(beep, 0.15);
   EXPECT_LT(beep, 0.30) << "one beep lasts 0.22 s";
+}
+
+// Neither a use nor a run, and nothing asked or sent: the rating prompt is not there.
+TEST_F(DesktopTest, APictureIsNoUse) {
+  screen();
+  EXPECT_FALSE(std::filesystem::exists(folder.file("endpin"))) << "settings of the user";
+  const std::string file = folder.file("own.db");
+  screen("0.3", {"--store", file});
+  NullLog log;
+  const SqliteStore own(file, log);
+  EXPECT_TRUE(own.boolForKey("NewFirstLaunchCello"));
+  EXPECT_EQ(own.integerForKey(UsageBook::kUseCount), 0);
+  EXPECT_EQ(own.doubleForKey(UsageBook::kFirstUseDate), 0);
 }
 
 TEST_F(DesktopTest, StartsWithDefaultsOverDamagedSettings) {
