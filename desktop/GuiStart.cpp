@@ -71,10 +71,7 @@ QVariantMap defaultTexts(const FileBundle& bundle) {
   return texts;
 }
 
-}  // namespace
-
-std::unique_ptr<QGuiApplication> startGui(char** arguments, const Options& options, Log& log) {
-  static int argumentCount = 1;  // the toolkit keeps a reference; our options are not its own
+void setUpToolkit(const Options& options) {
   if (!options.screenshot.empty() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
   }
@@ -86,16 +83,28 @@ std::unique_ptr<QGuiApplication> startGui(char** arguments, const Options& optio
   QCoreApplication::setApplicationName(QStringLiteral("endpin"));
   QGuiApplication::setApplicationDisplayName(QStringLiteral("Endpin"));
   QGuiApplication::setDesktopFileName(QStringLiteral("io.endpin.Endpin"));
+}
+
+}  // namespace
+
+Gui::Gui(char** arguments, const Options& options, Log& log) {
+  static int argumentCount = 1;  // the toolkit keeps a reference; our options are not its own
+  setUpToolkit(options);
   messageLog = &log;
-  qInstallMessageHandler(reportMissingDisplay);
+  formerHandler_ = qInstallMessageHandler(reportMissingDisplay);
   muted.emplace();
-  auto application = std::make_unique<QGuiApplication>(argumentCount, arguments);
+  application_ = std::make_unique<QGuiApplication>(argumentCount, arguments);
   muted.reset();
   qInstallMessageHandler(logMessage);
   chooseRenderer();
   // For desktops that do not find it by the name of the desktop file.
   QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/endpin/pictures/endpin128@2x.png")));
-  return application;
+}
+
+Gui::~Gui() {
+  application_.reset();
+  qInstallMessageHandler(formerHandler_);  // the toolkit talks on, the log is about to go
+  messageLog = nullptr;
 }
 
 DeviceModel chooseDevice(const Options& options) {

@@ -12,16 +12,26 @@
 
 namespace endpin {
 
-// The application object. Without a display the process ends here, with one line and exit code 1;
-// a screenshot needs none. Messages of the toolkit go to `log`, which outlives the process's use
-// of it. `arguments` lives as long as the object.
-[[nodiscard]] std::unique_ptr<QGuiApplication> startGui(char** arguments, const Options& options,
-                                                        Log& log);
+// The toolkit, from its start to its end. One at a time.
+class Gui {
+ public:
+  // Without a display the process ends here, with one line and exit code 1; a screenshot needs
+  // none. The toolkit's messages go to `log` as long as the object lives; `log` and `arguments`
+  // live longer.
+  Gui(char** arguments, const Options& options, Log& log);
+  ~Gui();
+  Gui(const Gui&) = delete;
+  Gui& operator=(const Gui&) = delete;
 
-// The device to be: the simulated one, or what the screen suggests. After startGui.
+ private:
+  QtMessageHandler formerHandler_;
+  std::unique_ptr<QGuiApplication> application_;
+};
+
+// The device to be: the simulated one, or what the screen suggests. While there is a Gui.
 [[nodiscard]] DeviceModel chooseDevice(const Options& options);
 
-// How the window is to look. After startGui.
+// How the window is to look. While there is a Gui.
 [[nodiscard]] LayoutWindow::Setup setUpWindow(const Options& options, const DeviceModel& model,
                                               const FileBundle& bundle);
 

@@ -37,7 +37,7 @@ int run(const Options& options, char** arguments) {
   FileBundle bundle({resources, language, ENDPIN_VERSION}, log);
   Sound sound(options, log);
 
-  const auto application = startGui(arguments, options, log);
+  const Gui gui(arguments, options, log);
   const QuitSignals quitSignals;
   QtRunLoop runLoop;
   sound.follow(runLoop);

@@ -10,7 +10,9 @@
 
 #include "adapters/log/NullLog.h"
 #include "adapters/sqlite/SqliteStore.h"
+#include "desktop/GuiStart.h"
 #include "rating/UsageBook.h"
+#include "tests/fakes/FakePlatform.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/PrivateSoundServer.h"
 #include "tests/support/SampledCello.h"
@@ -157,6 +159,22 @@ TEST_F(DesktopTest, APictureIsNoUse) {
   EXPECT_TRUE(own.boolForKey("NewFirstLaunchCello"));
   EXPECT_EQ(own.integerForKey(UsageBook::kUseCount), 0);
   EXPECT_EQ(own.doubleForKey(UsageBook::kFirstUseDate), 0);
+}
+
+// The log is a local of main, and the toolkit has its say to the end of the process.
+TEST(GuiStart, TheLogHearsTheToolkitAsLongAsThereIsOne) {
+  char name[] = "endpin";
+  char* arguments[] = {name, nullptr};
+  Options options;
+  options.screenshot = "no display is needed";
+  auto log = std::make_unique<fakes::FakeLog>();
+  {
+    const Gui gui(arguments, options, *log);
+    qWarning("heard");
+    EXPECT_EQ(log->count("heard"), 1);
+  }
+  log.reset();
+  qWarning("to nobody");
 }
 
 TEST_F(DesktopTest, StartsWithDefaultsOverDamagedSettings) {
