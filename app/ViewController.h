@@ -23,8 +23,9 @@ namespace endpin {
 
 class ViewController : public TunerOutlets, public CalibrationOutlets, public AppOutlets {
  public:
-  // With demo mode the screen shows one string in tune, and there is no sound in either direction.
-  static constexpr bool kDemoModeEnabled = ENDPIN_DEMO_MODE != 0;
+  // With demo mode the screen shows one string in tune, and there is no sound in either direction:
+  // a choice of the build, see DemoMode.cpp.
+  static const bool kDemoModeEnabled;
 
   // `platform` outlives the controller.
   explicit ViewController(Platform& platform, bool demoModeEnabled = kDemoModeEnabled);

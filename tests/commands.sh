@@ -40,6 +40,11 @@ for seconds in 0 soon 1000000 '1 1'; do
 done
 check 2 "not '--arm'" package --test --arm
 
+# The programs of the demonstration differ in one file, which a test of the screen puts in.
+cmake --preset demo -B "$work/demo" >/dev/null
+grep -q 'ENDPIN_DEMO_MODE=1.*endpin_app' "$work/demo/compile_commands.json" ||
+  { echo "the preset demo builds no demonstration"; failed=1; }
+
 SCREEN_SECONDS=1 check 0 '^tablet:1366: first frame [0-9]+ ms .* [0-9]+ MiB' bench \
   --benchmark_filter='^BM_Estimate' --benchmark_repetitions=1 --benchmark_min_time=0.01 \
   --benchmark_out="$work/bench.json"

@@ -40,7 +40,7 @@ struct DesktopTest : ::testing::Test {
                                       {"XDG_DATA_HOME", folder.path().string()}};
 
   Finished run(testing::Command words) {
-    words.insert(words.begin(), ENDPIN);
+    words.insert(words.begin(), program);
     return testing::runToEnd(words, 30s, environment);
   }
   // The program fails with one line that says this.
@@ -76,6 +76,7 @@ struct DesktopTest : ::testing::Test {
     EXPECT_EQ(child.waitFor(5s), 0) << child.errors();
   }
 
+  const char* program = ENDPIN;
   Finished last;
 };
 
@@ -147,6 +148,15 @@ TEST_F(DesktopTest, ABowedStringLightsTheLampAndBeepsOnce) {
   EXPECT_GT(beep, 0.15);
   EXPECT_LT(beep, 0.30) << "one beep lasts 0.22 s";
 }
+
+#ifdef ENDPIN_DEMO
+TEST_F(DesktopTest, TheDemonstrationShowsAStringInTuneAndListensToNothing) {
+  program = ENDPIN_DEMO;
+  EXPECT_GT(greenPixels(screen("0.3", {"--verbose", "--device", "tablet:1366"})), 2000);
+  EXPECT_NE(last.errors.find("Demo mode ON. No sound detection available."), std::string::npos);
+  EXPECT_EQ(last.errors.find("Sound detection started"), std::string::npos);
+}
+#endif
 
 // Neither a use nor a run, and nothing asked or sent: the rating prompt is not there.
 TEST_F(DesktopTest, APictureIsNoUse) {
