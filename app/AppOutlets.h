@@ -6,17 +6,17 @@
 namespace endpin {
 
 struct AppOutlets {
-  Outlet<Label> calibrationLabel;
-  Outlet<Label> hZLabel;
-  Outlet<Label> micSensitivityLabel;
-  Outlet<Label> soundNotificationLabel;
-  Outlet<Label> stringSoundsLabel;
-  Outlet<Label> frequencyChartLabel;
+  Label calibrationLabel;
+  Label hZLabel;
+  Label micSensitivityLabel;
+  Label soundNotificationLabel;
+  Label stringSoundsLabel;
+  Label frequencyChartLabel;
 
-  Outlet<Label> aboutMsg2;
-  Outlet<Label> aboutCongratsMessage;
+  Label aboutMsg2;
+  Label aboutCongratsMessage;
 
-  Outlet<PickerView> establecerIdioma;  // inert: texts follow the platform's language
+  PickerView establecerIdioma;  // inert: texts follow the platform's language
 };
 
 }  // namespace endpin

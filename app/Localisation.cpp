@@ -8,7 +8,7 @@ namespace {
 
 struct TextRow {
   const char* key;
-  Outlet<Label> AppOutlets::*label;
+  Label AppOutlets::*label;
 };
 
 constexpr std::array<TextRow, 6> kSettingsCaptions = {{
@@ -27,7 +27,7 @@ constexpr std::array<TextRow, 2> kAboutTexts = {{
 
 void fill(std::span<const TextRow> rows, const Bundle& bundle, AppOutlets& outlets) {
   for (const TextRow& row : rows) {
-    (outlets.*row.label)->setText(bundle.localizedString(row.key, "", ""));
+    (outlets.*row.label).setText(bundle.localizedString(row.key, "", ""));
   }
 }
 

@@ -21,15 +21,11 @@ void loadSettings(SettingsStore& settings, Log& log, const RestoredState& state)
   }
 }
 
-void runFirstLaunch(SettingsStore& settings, Log& log, const RestoredState& state) {
-  log.line(
-      "Me abriste por primera vez, voy a borrar los defaults y guardar 440 en NSDictionary y como "
-      "valores de a4InHz y globalFrequency");
+void writeFirstLaunchDefaults(SettingsStore& settings) {
   settings.removeAll();
   settings.setInteger("a4InHzSavedValue", 440);
   settings.setInteger("numberOfRuns", 1);
   settings.synchronize();
-  state.calibration.resetToConcertPitch();
   settings.setInteger("SavedLanguage", 1);
   settings.setInteger("savedSliderValue", 5);
   settings.setBool("soundNotificationEnabled", true);
@@ -40,25 +36,33 @@ void runFirstLaunch(SettingsStore& settings, Log& log, const RestoredState& stat
   settings.synchronize();
 }
 
+void runFirstLaunch(SettingsStore& settings, Log& log, const RestoredState& state) {
+  log.line(
+      "Me abriste por primera vez, voy a borrar los defaults y guardar 440 en NSDictionary y como "
+      "valores de a4InHz y globalFrequency");
+  writeFirstLaunchDefaults(settings);
+  state.calibration.resetToConcertPitch();
+}
+
 void restoreSettings(SettingsStore& settings, Log& log, const RestoredState& state) {
   TunedStringFeedback& feedback = state.feedback;
   const std::int64_t savedA4 = settings.integerForKey("a4InHzSavedValue");
   ifSwitch(settings.integerForKey("frequencyChartEnabled"),
-           [&](bool on) { state.calibrationOutlets.freqChartSwitch->setOn(on); });
+           [&](bool on) { state.calibrationOutlets.freqChartSwitch.setOn(on); });
   ifSwitch(settings.integerForKey("soundNotificationEnabled"), [&](bool on) {
     feedback.soundNotificationOn = on;
-    state.tunerOutlets.soundNotificationSwitch->setOn(on);
+    state.tunerOutlets.soundNotificationSwitch.setOn(on);
   });
   ifSwitch(settings.integerForKey("stringSoundsEnabled"), [&](bool on) {
     feedback.stringSoundsOn = on;
-    state.tunerOutlets.stringSoundsSwitch->setOn(on);
+    state.tunerOutlets.stringSoundsSwitch.setOn(on);
   });
   // The tuning fork was in use when the application ended: no beep for now, whatever the switch
   // says.
   if (settings.integerForKey("currentlyUsingTuningFork") == 1) feedback.soundNotificationOn = false;
 
   state.sensitivity.restore(settings.doubleForKey("savedSliderValue"),
-                            *state.tunerOutlets.micSensitivitySlider);
+                            state.tunerOutlets.micSensitivitySlider);
   state.calibration.restore(savedA4);
   log.line(fmt::format("Current set frequency is:{}", state.calibration.a4InHz()));
   log.line(fmt::format("Current saved frequency is:{}", savedA4));

@@ -24,6 +24,9 @@ struct RestoredState {
 // Runs whichever of the two sequences is due.
 void loadSettings(SettingsStore& settings, Log& log, const RestoredState& state);
 
+// Clears the whole store and writes what the first launch leaves in it.
+void writeFirstLaunchDefaults(SettingsStore& settings);
+
 // Clears the whole store and writes the defaults. Switches, slider, stepper and label keep what the
 // layout shows, and the beep stays off until the next launch.
 void runFirstLaunch(SettingsStore& settings, Log& log, const RestoredState& state);

@@ -27,9 +27,7 @@ ViewController::ViewController(Platform& platform, bool demoModeEnabled)
                         platform.bundle, platform.log}),
       calibration_(*this, {platform.settings, platform.device, platform.bundle, platform.log}),
       tuningFork_(*this, platform.audioOutput),
-      tick_(*this, sensitivity_, feedback_, platform.runLoop, [this] { promptToReview(); }) {
-  LumoListener::usePorts({platform.audioInput, platform.audioSession, platform.log});
-}
+      tick_(*this, sensitivity_, feedback_, platform.runLoop, [this] { promptToReview(); }) {}
 
 void ViewController::viewDidLoad() {
   platform_.device.setIdleTimerDisabled(true);
@@ -51,10 +49,10 @@ void ViewController::configureAudioSession() {
   const auto error =
       session.setCategory(AudioSessionCategory::PlayAndRecord, kAudioSessionDefaultToSpeaker);
   session.setMode(AudioSessionMode::Measurement);
-  if (error) {
-    platform_.log.line("Error creating session: " + *error);
-  } else {
+  if (session.available()) {
     session.setActive(true);
+  } else {
+    platform_.log.line("Error creating session: " + error.value_or(""));
   }
 }
 
@@ -88,7 +86,7 @@ StringReferences ViewController::stringReferences() const {
 }
 
 void ViewController::micSensitivity(Slider& sender) {
-  sensitivity_.micSensitivity(sender, *micSensitivitySlider, platform_.settings, platform_.log);
+  sensitivity_.micSensitivity(sender, micSensitivitySlider, platform_.settings, platform_.log);
 }
 
 void ViewController::checkVolume() {
@@ -131,13 +129,13 @@ void ViewController::displayAboutText() {
 }
 
 void ViewController::demoMode() {
-  goToSettingsButton->setEnabled(true);
-  tuningForkButton->setEnabled(true);
+  goToSettingsButton.setEnabled(true);
+  tuningForkButton.setEnabled(true);
   setTunedStringsHidden(false);
   setLamp("green64.png", "green128.png");
   feedback_.displayTunedString(1);
-  noteDisplay->setText(kStringNotes[0]);
-  freq_label->setText(fmt::format("{:.1f}Hz", calibration_.frequencies()[0]));
+  noteDisplay.setText(kStringNotes[0]);
+  freq_label.setText(fmt::format("{:.1f}Hz", calibration_.frequencies()[0]));
 }
 
 void ViewController::promptToReview() {

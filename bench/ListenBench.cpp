@@ -5,6 +5,7 @@
 #include "adapters/log/NullLog.h"
 #include "adapters/offline/CapturedSound.h"
 #include "adapters/offline/FileMicrophone.h"
+#include "adapters/offline/MemoryStore.h"
 #include "adapters/offline/VirtualRunLoop.h"
 #include "cli/Session.h"
 
@@ -21,7 +22,9 @@ void BM_Listen(benchmark::State& state) {
     CapturedSound sound{SoundFile(ENDPIN_FOUR_STRINGS)};
     VirtualRunLoop runLoop;
     FileMicrophone microphone(sound, runLoop);
-    Session session({microphone, runLoop, log, 440});
+    MemoryStore settings;
+    saveEarlierRun(settings, 440);
+    Session session({microphone, runLoop, settings, log});
     session.start();
     runLoop.runUntil(kSeconds);
     if (session.beeps() != 4) state.SkipWithError("the four strings were not heard");

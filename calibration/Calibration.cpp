@@ -56,7 +56,7 @@ void Calibration::showAsChosen(const Preset& preset) {
 void Calibration::highlight(const Preset& selected) {
   for (const Preset& preset : kPresets) {
     const bool isSelected = preset.a4InHz == selected.a4InHz;
-    (outlets_.*preset.button)->setBackgroundImage(isSelected ? "selectedFreqBg.png" : "");
+    (outlets_.*preset.button).setBackgroundImage(isSelected ? "selectedFreqBg.png" : "");
   }
 }
 
@@ -64,8 +64,8 @@ void Calibration::setFrequencyValue(const Stepper& sender) {
   const auto a4 = static_cast<std::int64_t>(sender.value());
   setA4(a4);
   temperamentIndex_ = temperamentOfStepper(sender.value());
-  if (temperamentIndex_ == 0) outlets_.currentTemperamentName->setText("");
-  outlets_.calibrationFrequencyValue->setText(a4Text(a4));
+  if (temperamentIndex_ == 0) outlets_.currentTemperamentName.setText("");
+  outlets_.calibrationFrequencyValue.setText(a4Text(a4));
   ports_.settings.setInteger("savedA4Calibration", a4InHz_);
   saveA4(a4);
   ports_.settings.synchronize();
@@ -82,8 +82,8 @@ void Calibration::resetToConcertPitch() {
 }
 
 void Calibration::restore(std::int64_t savedA4) {
-  outlets_.calibrationFrequencyValue->setText(a4Text(savedA4));
-  outlets_.setFrequencyValueStepper->setValue(static_cast<double>(savedA4));
+  outlets_.calibrationFrequencyValue.setText(a4Text(savedA4));
+  outlets_.setFrequencyValueStepper.setValue(static_cast<double>(savedA4));
   a4InHz_ = savedA4;
   if (const int index = temperamentOfRestored(savedA4)) {
     setA4(savedA4);
@@ -93,19 +93,18 @@ void Calibration::restore(std::int64_t savedA4) {
   if (!preset) return;
   highlight(*preset);
   if (preset->restoresPadChart && ports_.device.isTablet()) {
-    outlets_.chartDisplay->setImage(preset->padChart);
+    outlets_.chartDisplay.setImage(preset->padChart);
   }
 }
 
 void Calibration::displayTemperamentName() {
-  endpin::displayTemperamentName(temperamentIndex_, ports_.bundle,
-                                 *outlets_.currentTemperamentName);
+  endpin::displayTemperamentName(temperamentIndex_, ports_.bundle, outlets_.currentTemperamentName);
 }
 
 void Calibration::displayChart() {
   displayTemperamentName();
   chart_.refreshLabels(frequencies_, outlets_);
-  outlets_.calibrationFrequencyValue->setText(a4Text(a4InHz_));
+  outlets_.calibrationFrequencyValue.setText(a4Text(a4InHz_));
 }
 
 }  // namespace endpin

@@ -1,5 +1,5 @@
 // The elements of the screen that calibration, chart and tuning fork act on, by the names that the
-// layouts use. Thread: main.
+// layouts use, in the state that they start in. Thread: main.
 #pragma once
 
 #include "ports/Outlets.h"
@@ -7,35 +7,35 @@
 namespace endpin {
 
 struct CalibrationOutlets {
-  Outlet<Button> setA392btn;
-  Outlet<Button> setA415btn;
-  Outlet<Button> setA432btn;
-  Outlet<Button> setA440btn;
-  Outlet<Button> setA441btn;
-  Outlet<Button> setA442btn;
-  Outlet<Button> setA443btn;
-  Outlet<Button> setA444btn;
-  Outlet<Button> setA466btn;
+  Button setA392btn;
+  Button setA415btn;
+  Button setA432btn;
+  Button setA440btn;
+  Button setA441btn;
+  Button setA442btn;
+  Button setA443btn;
+  Button setA444btn;
+  Button setA466btn;
 
-  Outlet<Label> calibrationFrequencyValue;  // A4 in whole hertz
-  Outlet<Stepper> setFrequencyValueStepper;
-  Outlet<Label> currentTemperamentName;
+  Label calibrationFrequencyValue{"440"};  // A4 in whole hertz
+  Stepper setFrequencyValueStepper{440};
+  Label currentTemperamentName;
 
-  Outlet<ImageView> chartDisplay;
-  Outlet<Label> firstStringFreq;  // chart labels, not numbers
-  Outlet<Label> secondStringFreq;
-  Outlet<Label> thirdStringFreq;
-  Outlet<Label> fourthStringFreq;
-  Outlet<Switch> freqChartSwitch;
+  ImageView chartDisplay;
+  Label firstStringFreq;  // chart labels, not numbers
+  Label secondStringFreq;
+  Label thirdStringFreq;
+  Label fourthStringFreq;
+  Switch freqChartSwitch{true};
 
-  Outlet<Button> a3TFButton;  // tuning fork
-  Outlet<Button> d3TFButton;
-  Outlet<Button> g2TFButton;
-  Outlet<Button> c2TFButton;
-  Outlet<Label> tfnoteDisplay;
-  Outlet<Label> tfFreqLabel;
-  Outlet<Button> tuningForkButton;    // leads to the tuning fork
-  Outlet<Button> goToSettingsButton;  // leads to the settings
+  Button a3TFButton;  // tuning fork
+  Button d3TFButton;
+  Button g2TFButton;
+  Button c2TFButton;
+  Label tfnoteDisplay;
+  Label tfFreqLabel;
+  Button tuningForkButton;    // leads to the tuning fork
+  Button goToSettingsButton;  // leads to the settings
 };
 
 }  // namespace endpin

@@ -11,11 +11,10 @@ namespace endpin {
 void FrequencyChart::refreshLabels(const std::array<double, 4>& frequencies,
                                    CalibrationOutlets& outlets) const {
   if (!freqChartEnabled_) return;
-  const std::array<Outlet<Label>*, 4> labels = {&outlets.firstStringFreq, &outlets.secondStringFreq,
-                                                &outlets.thirdStringFreq,
-                                                &outlets.fourthStringFreq};
+  const std::array<Label*, 4> labels = {&outlets.firstStringFreq, &outlets.secondStringFreq,
+                                        &outlets.thirdStringFreq, &outlets.fourthStringFreq};
   for (std::size_t i = 0; i < labels.size(); ++i) {
-    (*labels[i])->setText(fmt::format("{} = {:.1f}Hz", kStringNotes[i], frequencies[i]));
+    labels[i]->setText(fmt::format("{} = {:.1f}Hz", kStringNotes[i], frequencies[i]));
   }
 }
 
@@ -24,9 +23,9 @@ void FrequencyChart::showPicture(const Preset& preset, const Device& device,
   if (device.isPhone()) {
     const double height = device.screenHeight();
     const bool large = height == 667.0 || height == 736.0;
-    outlets.chartDisplay->setImage(large ? preset.padChart : preset.phoneChart);
+    outlets.chartDisplay.setImage(large ? preset.padChart : preset.phoneChart);
   } else if (device.isTablet()) {
-    outlets.chartDisplay->setImage(preset.padChart);
+    outlets.chartDisplay.setImage(preset.padChart);
   }
 }
 

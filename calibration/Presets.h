@@ -11,7 +11,7 @@ namespace endpin {
 struct Preset {
   std::int64_t a4InHz;
   int temperamentIndex;
-  Outlet<Button> CalibrationOutlets::*button;
+  Button CalibrationOutlets::*button;
   const char* phoneChart;
   const char* padChart;
   const char* logText;

@@ -33,8 +33,8 @@ void TuningFork::setupAudio() {
 }
 
 void TuningFork::play(int number, double frequency, bool audible) {
-  outlets_.tfnoteDisplay->setText(kStringNotes[static_cast<std::size_t>(number - 1)]);
-  outlets_.tfFreqLabel->setText(fmt::format("{:.1f}Hz", frequency));
+  outlets_.tfnoteDisplay.setText(kStringNotes[static_cast<std::size_t>(number - 1)]);
+  outlets_.tfFreqLabel.setText(fmt::format("{:.1f}Hz", frequency));
   synthesizer_.toneFrequency = static_cast<float>(frequency);
   if (!audible) return;
   curPlayState = Playing;

@@ -2,10 +2,14 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
 #include <charconv>
+#include <cmath>
 
 #include "adapters/cli11/ParseArguments.h"
-#include "cli/ToneArguments.h"
+#include "adapters/sqlite/StorePath.h"
+#include "calibration/StringFrequencies.h"
 
 namespace endpin {
 namespace {
@@ -13,12 +17,69 @@ namespace {
 constexpr std::int64_t kLowestA4 = 1;
 constexpr std::int64_t kHighestA4 = 9999;
 
+struct ToneArguments {
+  std::string string;
+  std::string waveform = "square";
+  std::string seconds;
+  std::string output;
+};
+
+constexpr std::array<const char*, 4> kWaveformNames = {"sine", "triangle", "sawtooth", "square"};
+constexpr double kMostSeconds = 3600;
+
+[[noreturn]] void reject(const char* option, const char* expected, const std::string& text) {
+  rejectArguments(fmt::format("{} takes {}, not \"{}\"", option, expected, text));
+}
+
+// Place of `text` among the names, or their number.
+std::size_t placeOf(const std::string& text, const std::array<const char*, 4>& names) {
+  return static_cast<std::size_t>(std::find(names.begin(), names.end(), text) - names.begin());
+}
+
+std::size_t parseString(const std::string& text) {
+  const std::size_t place = placeOf(text, kStringNotes);
+  if (place == kStringNotes.size()) reject("--string", "A3, D3, G2 or C2", text);
+  return place;
+}
+
+ToneSynthesizer::Waveform parseWaveform(const std::string& text) {
+  const std::size_t place = placeOf(text, kWaveformNames);
+  if (place == kWaveformNames.size()) {
+    reject("--waveform", "sine, triangle, sawtooth or square", text);
+  }
+  return static_cast<ToneSynthesizer::Waveform>(place);
+}
+
+// Whatever the locale, the point is a point.
+std::uint64_t parseFrames(const std::string& text) {
+  double seconds = 0;
+  const char* end = text.data() + text.size();
+  const auto [rest, error] = std::from_chars(text.data(), end, seconds);
+  const bool isNumber = error == std::errc() && rest == end;
+  const double frames = std::round(seconds * ToneSynthesizer::kSampleRate);
+  if (!isNumber || !(frames >= 1) || !(seconds <= kMostSeconds)) {
+    reject("--seconds", "a number above 0, at most 3600", text);
+  }
+  return static_cast<std::uint64_t>(frames);
+}
+
+// Leaves the calibration at its default.
+ToneOptions toneOptions(const ToneArguments& texts) {
+  ToneOptions options;
+  options.string = parseString(texts.string);
+  options.waveform = parseWaveform(texts.waveform);
+  options.frames = parseFrames(texts.seconds);
+  options.output = texts.output;
+  return options;
+}
+
 // The texts of A4 are read after parsing: the parser's own conversions report in words of its own.
 struct Arguments {
   ListenOptions listen;
   FrequenciesOptions frequencies;
   ToneArguments tone;
   std::string a4;
+  std::string store;
 };
 
 void addListen(CLI::App& app, Arguments& into) {
@@ -36,7 +97,13 @@ void addListen(CLI::App& app, Arguments& into) {
                    "Sound file to listen to when there is no microphone")
       ->excludes(input);
   listen->add_flag("--list-inputs", options.listInputs, "List the microphones and end");
-  listen->add_option("--a4", into.a4, "Calibration as saved in an earlier run, whole hertz");
+  auto* store = listen->add_option("--store", into.store,
+                                   "File to keep the settings in; with --input none is kept "
+                                   "unless it is named");
+  listen
+      ->add_option("--a4", into.a4,
+                   "Calibration in whole hertz, for this run; the settings are left alone")
+      ->excludes(store->type_name("PATH"));
   listen->add_flag("--json", options.json, "Print a JSON object for each tick");
   listen->add_flag("--verbose", options.verbose, "Write the log to standard error");
   device->excludes(input);
@@ -60,6 +127,14 @@ CLI::App* addTone(CLI::App& app, Arguments& into) {
   tone->add_option("--output", texts.output, "Sound file to write (wav, 44100 Hz, stereo)")
       ->required();
   return tone;
+}
+
+// The microphone has the screen's settings, unless this run has its own; a sound file has none, so
+// that what it prints depends on nothing else.
+std::filesystem::path storeOf(const Arguments& arguments) {
+  if (!arguments.store.empty()) return arguments.store;
+  const ListenOptions& listen = arguments.listen;
+  return listen.input.empty() && !listen.a4 ? defaultStorePath() : std::filesystem::path();
 }
 
 }  // namespace
@@ -97,6 +172,7 @@ Command parseCommandLine(int argc, const char* const* argv) {
     return options;
   }
   if (a4Given) arguments.listen.a4 = parseA4(arguments.a4);
+  arguments.listen.store = storeOf(arguments);
   return arguments.listen;
 }
 

@@ -3,24 +3,26 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <variant>
 
-#include "adapters/cli11/PrintText.h"
+#include "adapters/cli11/ProgramError.h"
 #include "calibration/ToneSynthesizer.h"
 
 namespace endpin {
 
 struct ListenOptions {
-  std::string input;        // sound file in place of the microphone; empty: the microphone
-  bool realtime = false;    // paces the sound file by the clock on the wall
-  std::string inputDevice;  // name or id of the microphone; empty: the default one
-  std::string recording;    // sound file to listen to when there is no microphone; may be empty
-  bool listInputs = false;  // lists the microphones, and nothing else
-  bool json = false;        // one JSON object a tick
-  bool verbose = false;     // the platform log goes to standard error
-  std::optional<std::int64_t> a4;  // hertz, as if saved in an earlier run; none: a first launch
+  std::string input;            // sound file in place of the microphone; empty: the microphone
+  bool realtime = false;        // paces the sound file by the clock on the wall
+  std::string inputDevice;      // name or id of the microphone; empty: the default one
+  std::string recording;        // sound file to listen to when there is no microphone; may be empty
+  bool listInputs = false;      // lists the microphones, and nothing else
+  bool json = false;            // one JSON object a tick
+  bool verbose = false;         // the platform log goes to standard error
+  std::filesystem::path store;  // the settings; empty: in memory only
+  std::optional<std::int64_t> a4;  // hertz, as if saved in an earlier run; then in memory only
 };
 
 struct FrequenciesOptions {

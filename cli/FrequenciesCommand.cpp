@@ -1,4 +1,4 @@
-#include "cli/FrequenciesCommand.h"
+#include "cli/Commands.h"
 
 #include <fmt/format.h>
 

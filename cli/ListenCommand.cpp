@@ -1,15 +1,137 @@
-#include "cli/ListenCommand.h"
-
+// `listen`, on a sound file or on the microphone.
 #include <fmt/format.h>
 
 #include <chrono>
+#include <memory>
+#include <optional>
 
+#include "adapters/cli11/InputFile.h"
+#include "adapters/cubeb/CubebMicrophone.h"
+#include "adapters/cubeb/CubebPlayers.h"
 #include "adapters/cubeb/InputDevices.h"
 #include "adapters/log/NullLog.h"
 #include "adapters/log/StreamLog.h"
+#include "adapters/offline/FileMicrophone.h"
+#include "adapters/offline/MemoryStore.h"
+#include "adapters/posix/MainRunLoop.h"
+#include "adapters/posix/StopSignal.h"
+#include "adapters/sqlite/SqliteStore.h"
+#include "cli/Commands.h"
 
 namespace endpin {
 namespace {
+
+using State = MicrophoneStatus::State;
+
+constexpr auto kOpeningLimit = std::chrono::seconds(3);
+
+// What all ways of listening share. Everything outlives the command.
+struct ListenContext {
+  const ListenOptions& options;
+  Output& output;
+  const StopSignal& stop;
+  Log& log;
+  SettingsStore& settings;
+};
+
+// There was no microphone to begin with.
+class NoMicrophone : public ProgramError {
+ public:
+  explicit NoMicrophone(const std::string& reason) : ProgramError(kExitFailure, reason) {}
+};
+
+// To the end of the file or the stop signal; `realtime` paces it by the clock on the wall. Throws
+// ProgramError, also when the sound turns out to break off, after listening to what there is.
+void listenToFile(const ListenContext& context, const std::string& path, bool realtime) {
+  CapturedSound sound = openInputFile(path);
+  VirtualRunLoop runLoop;
+  FileMicrophone microphone(sound, runLoop);
+  Session session({microphone, runLoop, context.settings, context.log});
+  const auto printer = makeTickPrinter(context.output, context.options.json, realtime);
+
+  session.start();
+  const auto begin = std::chrono::steady_clock::now();
+  // A tick that falls on the very end of the file still takes place.
+  for (std::uint64_t tick = 1; sound.lastsFor(tick); ++tick) {
+    const auto due = begin + std::chrono::milliseconds(100) * tick;
+    if (realtime ? context.stop.waitUntil(due) : context.stop.raised()) break;
+    runLoop.runUntil(static_cast<double>(tick) * 0.1);
+    printer->print(reportTick(tick, session));
+  }
+  printer->finish();
+  if (!context.stop.raised() && sound.truncated()) {
+    throw ProgramError(kExitFailure, path + ": the sound breaks off before its end");
+  }
+}
+
+// Shows the ticks of a live session, and what becomes of its microphone.
+class LiveView {
+ public:
+  LiveView(const ListenContext& context, const CubebMicrophone& microphone, const Session& session)
+      : microphone_(microphone),
+        session_(session),
+        printer_(makeTickPrinter(context.output, context.options.json, true)) {}
+
+  // After each tick. The first one shown is the first with a microphone.
+  void tick() {
+    const MicrophoneStatus status = microphone_.status();
+    if (!wasOpen_ && !waitForOpening(status)) return;
+    follow(status);
+    printer_->print(reportTick(++ticks_, session_));
+  }
+
+  void finish() { printer_->finish(); }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  // Whether the microphone is open now; throws when it will not be.
+  bool waitForOpening(const MicrophoneStatus& status) {
+    if (status.state == State::Missing) throw NoMicrophone(status.text);
+    wasOpen_ = isOpen_ = status.state == State::Open;
+    if (wasOpen_) printer_->begin(status.text, session_.controller().calibration().a4InHz());
+    if (!wasOpen_ && Clock::now() > begin_ + kOpeningLimit) {
+      throw NoMicrophone("the sound server does not answer");
+    }
+    return wasOpen_;
+  }
+
+  // Says once when the microphone goes, and once when it comes back. A server that stands still
+  // shows in its silence before it shows in the status.
+  void follow(const MicrophoneStatus& status) {
+    const bool open = status.state == State::Open;
+    if (open == isOpen_) return;
+    isOpen_ = open;
+    printer_->makeRoom();
+    if (open) {
+      fmt::print(stderr, "endpin-cli: the microphone is back: {}\n", status.text);
+    } else {
+      fmt::print(stderr, "endpin-cli: the microphone is gone; waiting for it\n");
+    }
+  }
+
+  const CubebMicrophone& microphone_;
+  const Session& session_;
+  const std::unique_ptr<TickPrinter> printer_;
+  const Clock::time_point begin_ = Clock::now();
+  std::uint64_t ticks_ = 0;
+  bool wasOpen_ = false;
+  bool isOpen_ = false;
+};
+
+// Throws NoMicrophone when there is none at the start, ProgramError when the output fails.
+void listenToMicrophone(const ListenContext& context) {
+  MainRunLoop runLoop;
+  CubebMicrophone microphone(context.options.inputDevice, context.log);
+  CubebPlayers speaker;
+  Session session({microphone, runLoop, context.settings, context.log, &speaker});
+  LiveView view(context, microphone, session);
+  session.start();
+  // Made after the application's own timers, so that it runs right after each tick.
+  runLoop.scheduleTimer(0.1, [&view] { view.tick(); });
+  runLoop.run(context.stop.descriptor());
+  view.finish();
+}
 
 void listenOrPlayRecording(const ListenContext& context) {
   try {
@@ -22,11 +144,37 @@ void listenOrPlayRecording(const ListenContext& context) {
   }
 }
 
-void run(const ListenContext& context) {
-  const ListenOptions& options = context.options;
-  if (options.listInputs) {
-    writeInputs(context);
-  } else if (options.input.empty()) {
+// The microphones, the default one marked.
+void writeInputs(Output& output, const StopSignal& stop) {
+  const auto inputs = listInputs(std::chrono::seconds(3), [&stop] { return stop.raised(); });
+  if (stop.raised()) return;
+  if (!inputs) throw ProgramError(kExitFailure, "the sound server does not answer");
+  if (inputs->empty()) throw ProgramError(kExitFailure, "no microphone");
+  for (const InputDevice& input : *inputs) {
+    const char* remark = input.isMonitor     ? "  (what a speaker plays)"
+                         : input.isPluggedIn ? ""
+                                             : "  (not plugged in)";
+    output.write(fmt::format("{} {}  \"{}\"{}\n", input.isDefault ? '*' : ' ', input.id, input.name,
+                             remark));
+  }
+  output.flush();
+}
+
+// What is wrong with a file of settings is worth a line whether or not the log is.
+std::unique_ptr<SettingsStore> openSettings(const ListenOptions& options, Log& problems) {
+  if (!options.store.empty()) return std::make_unique<SqliteStore>(options.store, problems);
+  auto settings = std::make_unique<MemoryStore>();
+  if (options.a4) saveEarlierRun(*settings, *options.a4);
+  return settings;
+}
+
+void listen(const ListenOptions& options, Output& output, const StopSignal& stop) {
+  StreamLog standardError(stderr);
+  NullLog nowhere;
+  Log& log = options.verbose ? static_cast<Log&>(standardError) : nowhere;
+  const auto settings = openSettings(options, standardError);
+  const ListenContext context{options, output, stop, log, *settings};
+  if (options.input.empty()) {
     listenOrPlayRecording(context);
   } else {
     listenToFile(context, options.input, options.realtime);
@@ -36,32 +184,17 @@ void run(const ListenContext& context) {
 }  // namespace
 
 int runListen(const ListenOptions& options, Output& output) {
-  StreamLog standardError(stderr);
-  NullLog nowhere;
-  Log& log = options.verbose ? static_cast<Log&>(standardError) : nowhere;
   const StopSignal stop;
   try {
-    run({options, output, stop, log});
+    if (options.listInputs) {
+      writeInputs(output, stop);
+    } else {
+      listen(options, output, stop);
+    }
   } catch (const ProgramError&) {
     if (!stop.raised()) throw;  // a write that the signal cut short is no failure
   }
   return 0;
-}
-
-void writeInputs(const ListenContext& context) {
-  const auto inputs =
-      listInputs(std::chrono::seconds(3), [&context] { return context.stop.raised(); });
-  if (context.stop.raised()) return;
-  if (!inputs) throw ProgramError(kExitFailure, "the sound server does not answer");
-  if (inputs->empty()) throw ProgramError(kExitFailure, "no microphone");
-  for (const InputDevice& input : *inputs) {
-    const char* remark = input.isMonitor     ? "  (what a speaker plays)"
-                         : input.isPluggedIn ? ""
-                                             : "  (not plugged in)";
-    context.output.write(fmt::format("{} {}  \"{}\"{}\n", input.isDefault ? '*' : ' ', input.id,
-                                     input.name, remark));
-  }
-  context.output.flush();
 }
 
 }  // namespace endpin

@@ -1,4 +1,4 @@
-#include "cli/ToneCommand.h"
+#include "cli/Commands.h"
 
 #include <algorithm>
 #include <array>

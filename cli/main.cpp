@@ -6,11 +6,7 @@
 #include <variant>
 
 #include "adapters/cli11/ProgramError.h"
-#include "cli/CommandLine.h"
-#include "cli/FrequenciesCommand.h"
-#include "cli/ListenCommand.h"
-#include "cli/Output.h"
-#include "cli/ToneCommand.h"
+#include "cli/Commands.h"
 
 namespace {
 

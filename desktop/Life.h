@@ -8,7 +8,7 @@
 #include "adapters/qt/ForegroundWatch.h"
 #include "adapters/qt/LayoutWindow.h"
 #include "adapters/qt/MotionPreference.h"
-#include "app/AppDelegate.h"
+#include "app/Application.h"
 #include "desktop/Rating.h"
 #include "ports/Platform.h"
 
@@ -17,22 +17,20 @@ namespace endpin {
 class Life {
  public:
   // Launches the application, which shows its screen in `window`; throws ProgramError when it
-  // cannot. Both outlive the life, which outlives the event loop.
-  Life(const Platform& platform, LayoutWindow& window)
-      : motion_([&window](bool reduced) { window.setReducedMotion(reduced); }),
-        delegate_({platform.device, window, platform.log}) {
+  // cannot. All outlive the life, which outlives the event loop.
+  Life(Application& application, const Platform& platform, LayoutWindow& window)
+      : motion_([&window](bool reduced) { window.setReducedMotion(reduced); }) {
     if (!window.isPicture()) rating_.emplace(platform, window.window());
-    delegate_.applicationDidFinishLaunching();
+    application.launch(window);
     if (!window.hasLayout()) throw ProgramError(kExitFailure, "the screen cannot be shown");
-    watch_.emplace(window.window(), [this] { delegate_.applicationWillEnterForeground(); });
+    watch_.emplace(window.window(), [&application] { application.enterForeground(); });
   }
   Life(const Life&) = delete;
   Life& operator=(const Life&) = delete;
 
  private:
   MotionPreference motion_;
-  std::optional<Rating> rating_;  // none for a picture, which is no use of the application
-  AppDelegate delegate_;
+  std::optional<Rating> rating_;          // none for a picture, which is no use of the application
   std::optional<ForegroundWatch> watch_;  // of a window that is shown
 };
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <variant>
 
-#include "adapters/cli11/PrintText.h"
+#include "adapters/cli11/ProgramError.h"
 #include "adapters/qt/DeviceList.h"
 
 namespace endpin {

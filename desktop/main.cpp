@@ -10,8 +10,7 @@
 #include "adapters/qt/QtRunLoop.h"
 #include "adapters/qt/QuitSignals.h"
 #include "adapters/sqlite/SqliteStore.h"
-#include "app/ViewController.h"
-#include "audio/LumoListener.h"
+#include "app/Application.h"
 #include "desktop/GuiStart.h"
 #include "desktop/Language.h"
 #include "desktop/Life.h"
@@ -43,18 +42,23 @@ int run(const Options& options, char** arguments) {
   sound.follow(runLoop);
   const auto settings = openSettings(options, problems);
   QtDevice device(chooseDevice(options), log);
-  Platform platform{sound.input(),  sound.session(), sound.players(),
-                    sound.output(), runLoop,         *settings,
-                    device,         bundle,          log};
+  Platform platform{.audioInput = sound.input(),
+                    .audioSession = sound.session(),
+                    .audioPlayers = sound.players(),
+                    .audioOutput = sound.output(),
+                    .runLoop = runLoop,
+                    .settings = *settings,
+                    .device = device,
+                    .bundle = bundle,
+                    .log = log};
 
-  ViewController controller(platform);
-  LayoutWindow window(setUpWindow(options, device.model(), bundle), controller, problems);
-  const Life life(platform, window);
+  Application application(platform);
+  LayoutWindow window(setUpWindow(options, device.model(), bundle), application.controller(),
+                      problems);
+  const Life life(application, platform, window);
   logFirstFrame(window, log);
   planScreenshot(options, window, runLoop);
-  const int exitCode = QGuiApplication::exec();
-  LumoListener::releaseSharedListener();
-  return exitCode;
+  return QGuiApplication::exec();
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "adapters/cli11/PrintText.h"
 #include "adapters/cli11/ProgramError.h"
 #include "fuzz/Fuzzing.h"
 

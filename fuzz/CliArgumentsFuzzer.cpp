@@ -14,6 +14,7 @@ void check(const ListenOptions& options) {
   require(options.a4.value_or(440) >= 1 && options.a4.value_or(440) <= 9999, "A4 is a pitch");
   require(!options.realtime || !options.input.empty(), "real time is for a file");
   require(options.input.empty() || options.inputDevice.empty(), "there is one microphone");
+  require(!options.a4 || options.store.empty(), "a given A4 leaves the settings alone");
 }
 void check(const ToneOptions& options) {
   require(options.a4 >= 1 && options.a4 <= 9999, "A4 is a pitch");

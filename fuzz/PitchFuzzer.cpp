@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "adapters/offline/MemoryStore.h"
+#include "app/ScreenTable.h"
 #include "calibration/Presets.h"
 #include "fuzz/Fuzzing.h"
 #include "fuzz/TunerOnFakes.h"
@@ -82,19 +83,16 @@ class PitchRun {
   }
 
   void touchPreset() {
-    constexpr std::array<void (ViewController::*)(), 9> kButtons = {
-        &ViewController::setA392, &ViewController::setA415, &ViewController::setA432,
-        &ViewController::setA440, &ViewController::setA441, &ViewController::setA442,
-        &ViewController::setA443, &ViewController::setA444, &ViewController::setA466};
-    (tuner_.controller.*kButtons[input_.choice(kButtons.size())])();
+    // The presets come first in the table.
+    actionTable()[input_.choice(kPresets.size())].call(tuner_.controller, nullptr);
   }
   void touchStepper() {
-    Stepper& stepper = tuner_.screen.setFrequencyValueStepper;
+    Stepper& stepper = tuner_.controller.setFrequencyValueStepper;
     stepper.setValue(input_.number<std::uint16_t>() / 16.0);
     tuner_.controller.setFrequencyValue(stepper);
   }
   void touchSlider() {
-    Slider& slider = tuner_.screen.micSensitivitySlider;
+    Slider& slider = tuner_.controller.micSensitivitySlider;
     slider.setValue(input_.number<std::int16_t>() / 1000.0);
     tuner_.controller.micSensitivity(slider);
   }
@@ -112,7 +110,7 @@ class PitchRun {
     checkScreen();
     switch (controller.sensitivity().judge(reading.power, reading.frequency)) {
       case Sensitivity::Gate::Clear:
-        require(tuner_.screen.freq_label.text().empty(), "too quiet shows no frequency");
+        require(tuner_.controller.freq_label.text().empty(), "too quiet shows no frequency");
         require(!isGreen(), "too quiet is not green");
         break;
       case Sensitivity::Gate::Hold:
@@ -123,15 +121,17 @@ class PitchRun {
     beepsBefore_ = tuner_.fake.players.plays;
   }
 
-  [[nodiscard]] bool isGreen() const { return tuner_.screen.LEDDisplay.image() == "green64.png"; }
+  [[nodiscard]] bool isGreen() const {
+    return tuner_.controller.LEDDisplay.image() == "green64.png";
+  }
 
   // What holds whatever was heard.
   void checkScreen() const {
-    const TerminalScreen& screen = tuner_.screen;
+    ViewController& screen = tuner_.controller;
     require((screen.LEDDisplay128.image() == "green128.png") == isGreen(), "the lamps agree");
     require(screen.tunedString5.hidden() != isGreen(), "the picture shows with the green lamp");
     for (int number = 1; number <= 4; ++number) {
-      const bool ring = !screen.rings[static_cast<std::size_t>(number - 1)].image().empty();
+      const bool ring = !screen.ring(number).image().empty();
       require(ring == tuner_.controller.feedback().ringShown(number), "rings are what they seem");
       require(!ring || tuner_.controller.feedback().stringTuned(number), "a ring was in tune");
     }
@@ -162,7 +162,7 @@ class PitchRun {
     const auto& feedback = tuner_.controller.feedback();
     require(isGreen(), "in tune is green");
     require(feedback.ringShown(number) && feedback.stringTuned(number), "in tune has its ring");
-    require(tuner_.screen.noteDisplay.text() == noteName, "in tune has its name");
+    require(tuner_.controller.noteDisplay.text() == noteName, "in tune has its name");
     require(tuner_.fake.players.plays <= beepsBefore_ + 1, "in tune beeps once");
   }
 

@@ -1,8 +1,7 @@
 // The whole tuner on a platform in memory, over a store of the fuzzer's choice. One at a time.
 #pragma once
 
-#include "audio/LumoListener.h"
-#include "cli/TerminalScreen.h"
+#include "app/Application.h"
 #include "tests/fakes/FakePlatform.h"
 
 namespace endpin::fuzzing {
@@ -17,20 +16,17 @@ struct TunerOnFakes {
   explicit TunerOnFakes(SettingsStore& settings)
       : platform{fake.input, fake.session, fake.players, fake.output, runLoop,
                  settings,   fake.device,  fake.bundle,  fake.log},
-        controller(platform) {
-    screen.connect(controller);
-    controller.viewDidLoad();
-    controller.viewWillAppear(false);
+        application(platform) {
+    application.launch();
   }
-  ~TunerOnFakes() { LumoListener::releaseSharedListener(); }
   TunerOnFakes(const TunerOnFakes&) = delete;
   TunerOnFakes& operator=(const TunerOnFakes&) = delete;
 
   fakes::FakePlatform fake;
   NoTimers runLoop;
   Platform platform;
-  TerminalScreen screen;
-  ViewController controller;
+  Application application;
+  ViewController& controller = application.controller();
 };
 
 }  // namespace endpin::fuzzing

@@ -21,6 +21,10 @@ class AudioSession {
 
   virtual ~AudioSession() = default;
 
+  // Whether there is a session to be had at all. What the others ask of one that cannot be had
+  // comes to nothing; setCategory says why.
+  [[nodiscard]] virtual bool available() const { return true; }
+
   virtual Error setCategory(AudioSessionCategory category, std::uint32_t options = 0) = 0;
   virtual Error setMode(AudioSessionMode mode) = 0;
   virtual Error setActive(bool active) = 0;

@@ -1,11 +1,14 @@
-// The elements of the screen as the core sees them: small value objects that a layout reads and
-// follows. A layout connects the views that it contains; an outlet that nothing is connected to
-// swallows what is done to it. Thread: main.
+// The elements of the screen as the core sees them: small values that a screen shows and follows.
+// Each holds its own state, with or without a screen; one that a layout does not contain swallows
+// what is done to it and reads blank. Thread: main.
 #pragma once
 
 #include <functional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <utility>
+#include <variant>
 
 namespace endpin {
 
@@ -19,37 +22,64 @@ struct ViewAnimation {
   bool operator==(const ViewAnimation&) const = default;
 };
 
+enum class ViewKind { Label, ImageView, Button, Switch, Slider, Stepper, PickerView };
+
+// What a property of an element holds: a flag, a number or a text.
+using ViewValue = std::variant<bool, double, std::string>;
+
+class View;
+
+// A property of an element by name, for screens that are written in another language.
+struct ViewProperty {
+  std::string_view name;
+  ViewValue (*read)(const View&);
+  // Takes over what the user did to the element, a value of the kind that `read` gives; null for a
+  // property that only the core changes.
+  void (*write)(View&, const ViewValue&) = nullptr;
+};
+
 // What every element has. A setter that changes something notifies; an animation notifies each time
 // it is started.
 class View {
  public:
-  // A view that belongs to no layout: it keeps nothing.
-  struct Nowhere {};
+  View(const View&) = delete;
+  View& operator=(const View&) = delete;
 
-  View() = default;
-  explicit View(Nowhere) : keeps_(false) {}
-
-  [[nodiscard]] bool hidden() const { return hidden_; }
-  [[nodiscard]] double alpha() const { return alpha_; }
-  [[nodiscard]] const ViewAnimation& animation() const { return animation_; }
+  [[nodiscard]] ViewKind kind() const { return kind_; }
+  [[nodiscard]] bool hidden() const { return seen(hidden_); }
+  [[nodiscard]] double alpha() const { return seen(alpha_); }
+  [[nodiscard]] const ViewAnimation& animation() const { return seen(animation_); }
 
   void setHidden(bool hidden) { set(hidden_, hidden); }
   void setAlpha(double alpha) { set(alpha_, alpha); }
   // Lets alpha travel to the animation's target; `alpha()` reads the target from now on.
   void animate(const ViewAnimation& animation) {
-    if (!keeps_) return;
+    if (!present_) return;
     animation_ = animation;
     alpha_ = animation.targetAlpha;
     notify();
   }
 
-  // Called after the fact, on the main thread. One observer a view: the screen.
+  // Whether the layout contains the element. One that is taken out keeps its state for a layout
+  // that contains it again.
+  [[nodiscard]] bool present() const { return present_; }
+  void setPresent(bool present) { present_ = present; }
+
+  // Called after the fact. One observer a view: the screen. An empty one is none.
   void onChange(std::function<void()> changed) { changed_ = std::move(changed); }
 
  protected:
+  View(ViewKind kind, bool hidden) : kind_(kind), hidden_(hidden) {}
+  ~View() = default;
+
+  template <class T>
+  [[nodiscard]] const T& seen(const T& field) const {
+    static const T blank{};
+    return present_ ? field : blank;
+  }
   template <class T>
   void set(T& field, T value) {
-    if (!keeps_ || field == value) return;
+    if (!present_ || field == value) return;
     field = std::move(value);
     notify();
   }
@@ -59,8 +89,9 @@ class View {
     if (changed_) changed_();
   }
 
-  bool keeps_ = true;
-  bool hidden_ = false;
+  const ViewKind kind_;
+  bool present_ = true;
+  bool hidden_;
   double alpha_ = 1;
   ViewAnimation animation_;
   std::function<void()> changed_;
@@ -68,8 +99,9 @@ class View {
 
 class Label : public View {
  public:
-  using View::View;
-  [[nodiscard]] const std::string& text() const { return text_; }
+  explicit Label(std::string text = {}, bool hidden = false)
+      : View(ViewKind::Label, hidden), text_(std::move(text)) {}
+  [[nodiscard]] const std::string& text() const { return seen(text_); }
   void setText(std::string text) { set(text_, std::move(text)); }
 
  private:
@@ -79,8 +111,9 @@ class Label : public View {
 // Shows the picture resource of that name; the empty name is no picture.
 class ImageView : public View {
  public:
-  using View::View;
-  [[nodiscard]] const std::string& image() const { return image_; }
+  explicit ImageView(std::string image = {}, bool hidden = false)
+      : View(ViewKind::ImageView, hidden), image_(std::move(image)) {}
+  [[nodiscard]] const std::string& image() const { return seen(image_); }
   void setImage(std::string name) { set(image_, std::move(name)); }
 
  private:
@@ -89,9 +122,9 @@ class ImageView : public View {
 
 class Button : public View {
  public:
-  using View::View;
-  [[nodiscard]] bool enabled() const { return enabled_; }
-  [[nodiscard]] const std::string& backgroundImage() const { return backgroundImage_; }
+  Button() : View(ViewKind::Button, false) {}
+  [[nodiscard]] bool enabled() const { return seen(enabled_); }
+  [[nodiscard]] const std::string& backgroundImage() const { return seen(backgroundImage_); }
   void setEnabled(bool enabled) { set(enabled_, enabled); }
   // The picture behind the caption in the normal state; the empty name is none.
   void setBackgroundImage(std::string name) { set(backgroundImage_, std::move(name)); }
@@ -103,61 +136,42 @@ class Button : public View {
 
 class Switch : public View {
  public:
-  using View::View;
-  [[nodiscard]] bool isOn() const { return on_; }
+  explicit Switch(bool on = false) : View(ViewKind::Switch, false), on_(on) {}
+  [[nodiscard]] bool isOn() const { return seen(on_); }
   void setOn(bool on) { set(on_, on); }
 
  private:
-  bool on_ = false;
+  bool on_;
 };
 
-// A control with a value: slider and stepper. The screen writes what the user did before it calls
-// the action.
+// A control with a value. The screen writes what the user did before it calls the action.
 class ValueControl : public View {
  public:
-  using View::View;
-  [[nodiscard]] double value() const { return value_; }
+  [[nodiscard]] double value() const { return seen(value_); }
   void setValue(double value) { set(value_, value); }
 
+ protected:
+  ValueControl(ViewKind kind, double value) : View(kind, false), value_(value) {}
+  ~ValueControl() = default;
+
  private:
-  double value_ = 0;
+  double value_;
 };
 
 class Slider : public ValueControl {
  public:
-  using ValueControl::ValueControl;
+  explicit Slider(double value = 0) : ValueControl(ViewKind::Slider, value) {}
 };
 
 class Stepper : public ValueControl {
  public:
-  using ValueControl::ValueControl;
+  explicit Stepper(double value = 0) : ValueControl(ViewKind::Stepper, value) {}
 };
 
 // Chooses a row. Nothing drives it.
 class PickerView : public View {
  public:
-  using View::View;
-};
-
-// A place for a view that a layout may or may not fill. Acting on an empty place has no effect and
-// reading one gives the blank value: this is the one spot that decides it.
-template <class ViewType>
-class Outlet {
- public:
-  // Does not own the view; the layout keeps it alive as long as it is connected.
-  void connect(ViewType* view) { view_ = view; }
-  [[nodiscard]] bool connected() const { return view_ != nullptr; }
-
-  ViewType* operator->() const { return view_ ? view_ : &nowhere(); }
-  ViewType& operator*() const { return *operator->(); }
-
- private:
-  static ViewType& nowhere() {
-    static ViewType view{View::Nowhere{}};
-    return view;
-  }
-
-  ViewType* view_ = nullptr;
+  PickerView() : View(ViewKind::PickerView, false) {}
 };
 
 }  // namespace endpin

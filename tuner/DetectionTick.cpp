@@ -34,15 +34,15 @@ void DetectionTick::run(const Reading& reading, const StringReferences& referenc
     case Sensitivity::Gate::Hold:
       return;
     case Sensitivity::Gate::Detect:
-      outlets_.freq_label->setText(hertzText(static_cast<double>(reading.frequency)));
+      outlets_.freq_label.setText(hertzText(static_cast<double>(reading.frequency)));
       lastMeasuredFrequency_ = static_cast<double>(reading.frequency);
       recognise(reading.frequency, references);
   }
 }
 
 void DetectionTick::clearDisplay() {
-  outlets_.freq_label->setText("");
-  outlets_.noteDisplay->setText("");
+  outlets_.freq_label.setText("");
+  outlets_.noteDisplay.setText("");
   outlets_.setTunedStringsHidden(true);
   outlets_.setLamp("yellow64.png", "yellow128.png");
 }
@@ -58,19 +58,19 @@ void DetectionTick::recognise(float frequency, const StringReferences& reference
 // The read-out snaps to the reference: whatever lies inside the band reads the same.
 void DetectionTick::showInTune(int number, const StringReference& reference) {
   outlets_.setTunedStringsHidden(false);
-  outlets_.noteDisplay->setText(reference.noteName);
+  outlets_.noteDisplay.setText(reference.noteName);
   lastTunedNoteName_ = reference.noteName;
   feedback_.displayTunedString(number);
   outlets_.setLamp("green64.png", "green128.png");
-  outlets_.freq_label->setText(hertzText(reference.frequency));
+  outlets_.freq_label.setText(hertzText(reference.frequency));
   lastTunedFrequencyText_ = hertzText(reference.frequency);
   feedback_.playSoundOnce(number);
 }
 
 void DetectionTick::showNoString(float frequency) {
   if (frequency > kOvertoneAbove) {
-    outlets_.freq_label->setText(lastTunedFrequencyText_);
-    outlets_.noteDisplay->setText(lastTunedNoteName_);
+    outlets_.freq_label.setText(lastTunedFrequencyText_);
+    outlets_.noteDisplay.setText(lastTunedNoteName_);
   }
   if (!feedback_.allStringsTuned()) return;
   runLoop_.performAfterDelay(kPromptSeconds, promptToReview_);

@@ -16,7 +16,7 @@ constexpr std::array<const char*, 4> kOrdinals = {"1st", "2nd", "3rd", "4th"};
 struct PictureRow {
   InterfaceIdiom idiom;
   std::initializer_list<double> heights;  // points, compared exactly
-  Outlet<ImageView> TunerOutlets::*view;
+  ImageView TunerOutlets::*view;
   const char* suffix;
 };
 const std::initializer_list<PictureRow> kPictures = {
@@ -39,15 +39,9 @@ const std::initializer_list<PictureRow> kPictures = {
 TunedStringFeedback::TunedStringFeedback(TunerOutlets& outlets, const Ports& ports)
     : outlets_(outlets), ports_(ports) {}
 
-Outlet<ImageView>& TunedStringFeedback::ring(int number) {
-  constexpr std::array<Outlet<ImageView> TunerOutlets::*, 4> kRings = {
-      &TunerOutlets::ring1, &TunerOutlets::ring2, &TunerOutlets::ring3, &TunerOutlets::ring4};
-  return outlets_.*kRings[index(number)];
-}
-
 void TunedStringFeedback::displayTunedString(int number) {
   if (number < 1 || number > 4) return;
-  ring(number)->setImage(fmt::format("ring{}.png", number));
+  outlets_.ring(number).setImage(fmt::format("ring{}.png", number));
   ringShown_[index(number)] = true;
   showStringPicture(number);
 }
@@ -60,13 +54,13 @@ void TunedStringFeedback::showStringPicture(int number) {
     if (static_cast<int>(row.idiom) != idiom) continue;
     if (std::find(row.heights.begin(), row.heights.end(), height) == row.heights.end()) continue;
     (outlets_.*row.view)
-        ->setImage(fmt::format("{}_string{}.png", kOrdinals[index(number)], row.suffix));
+        .setImage(fmt::format("{}_string{}.png", kOrdinals[index(number)], row.suffix));
   }
 }
 
 void TunedStringFeedback::removeRings() {
   ringShown_.fill(false);
-  for (int number = 1; number <= 4; ++number) ring(number)->setImage("");
+  for (int number = 1; number <= 4; ++number) outlets_.ring(number).setImage("");
 }
 
 void TunedStringFeedback::resetTuningBools() {

@@ -69,7 +69,6 @@ class TunedStringFeedback {
 
  private:
   static std::size_t index(int number) { return static_cast<std::size_t>(number - 1); }
-  Outlet<ImageView>& ring(int number);
   void showStringPicture(int number);
   void markTuningFork(bool inUse);
   void applySwitch(const Switch& sender, bool& flag, const char* key);

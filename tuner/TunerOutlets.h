@@ -1,5 +1,5 @@
-// The elements of the screen that the tuner acts on, by the names that the layouts use.
-// Thread: main.
+// The elements of the screen that the tuner acts on, by the names that the layouts use, in the
+// state that they start in. Thread: main.
 #pragma once
 
 #include "ports/Outlets.h"
@@ -7,36 +7,41 @@
 namespace endpin {
 
 struct TunerOutlets {
-  Outlet<Label> freq_label;   // measured or snapped frequency
-  Outlet<Label> noteDisplay;  // name of the string that was in tune last
+  Label freq_label;   // measured or snapped frequency
+  Label noteDisplay;  // name of the string that was in tune last
 
-  Outlet<ImageView> LEDDisplay;     // small lamp
-  Outlet<ImageView> LEDDisplay128;  // large lamp
+  ImageView LEDDisplay{"yellow64.png"};      // small lamp
+  ImageView LEDDisplay128{"yellow128.png"};  // large lamp
 
-  Outlet<ImageView> ring1;  // A3
-  Outlet<ImageView> ring2;  // D3
-  Outlet<ImageView> ring3;  // G2
-  Outlet<ImageView> ring4;  // C2
+  ImageView ring1;  // A3
+  ImageView ring2;  // D3
+  ImageView ring3;  // G2
+  ImageView ring4;  // C2
 
-  Outlet<ImageView> tunedString;      // string picture of phones 480 points high
-  Outlet<ImageView> tunedString5;     // of all other phones
-  Outlet<ImageView> tunedStringiPad;  // of tablets
+  ImageView tunedString{"", true};      // string picture of phones 480 points high
+  ImageView tunedString5{"", true};     // of all other phones
+  ImageView tunedStringiPad{"", true};  // of tablets
 
-  Outlet<Slider> micSensitivitySlider;
-  Outlet<Switch> soundNotificationSwitch;
-  Outlet<Switch> stringSoundsSwitch;
+  Slider micSensitivitySlider{5};
+  Switch soundNotificationSwitch{true};
+  Switch stringSoundsSwitch;
 
-  Outlet<Label> turnUpTheVolumeLabel;
-  Outlet<Label> turnUpTheVolumeTriangleLabel;
+  Label turnUpTheVolumeLabel{"", true};
+  Label turnUpTheVolumeTriangleLabel{"", true};
 
+  // Of string `number`, 1 to 4.
+  [[nodiscard]] ImageView& ring(int number) {
+    ImageView* const rings[] = {&ring1, &ring2, &ring3, &ring4};
+    return *rings[number - 1];
+  }
   void setLamp(const char* small, const char* large) {
-    LEDDisplay->setImage(small);
-    LEDDisplay128->setImage(large);
+    LEDDisplay.setImage(small);
+    LEDDisplay128.setImage(large);
   }
   void setTunedStringsHidden(bool hidden) {
-    tunedString->setHidden(hidden);
-    tunedString5->setHidden(hidden);
-    tunedStringiPad->setHidden(hidden);
+    tunedString.setHidden(hidden);
+    tunedString5.setHidden(hidden);
+    tunedStringiPad.setHidden(hidden);
   }
 };
 

@@ -12,12 +12,12 @@ constexpr ViewAnimation kBlink = {
 // The blinking is started again at every check; only the text starts from full strength.
 void showVolumeWarning(float outputVolume, TunerOutlets& outlets) {
   const bool low = outputVolume < kLowVolume;
-  outlets.turnUpTheVolumeLabel->setHidden(!low);
-  outlets.turnUpTheVolumeTriangleLabel->setHidden(!low);
+  outlets.turnUpTheVolumeLabel.setHidden(!low);
+  outlets.turnUpTheVolumeTriangleLabel.setHidden(!low);
   if (!low) return;
-  outlets.turnUpTheVolumeLabel->setAlpha(1.0);
-  outlets.turnUpTheVolumeLabel->animate(kBlink);
-  outlets.turnUpTheVolumeTriangleLabel->animate(kBlink);
+  outlets.turnUpTheVolumeLabel.setAlpha(1.0);
+  outlets.turnUpTheVolumeLabel.animate(kBlink);
+  outlets.turnUpTheVolumeTriangleLabel.animate(kBlink);
 }
 
 }  // namespace endpin

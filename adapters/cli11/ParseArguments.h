@@ -5,7 +5,6 @@
 #include <optional>
 #include <string>
 
-#include "adapters/cli11/PrintText.h"
 #include "adapters/cli11/ProgramError.h"
 
 namespace endpin {

@@ -4,19 +4,11 @@
 
 #include <QMetaMethod>
 #include <QQuickItem>
+#include <QVariant>
 #include <algorithm>
-#include <type_traits>
-#include <utility>
 
 namespace endpin {
 namespace {
-
-template <class Row>
-const Row* rowNamed(std::span<const Row> rows, const std::string& name) {
-  const auto found =
-      std::find_if(rows.begin(), rows.end(), [&](const Row& row) { return row.name == name; });
-  return found == rows.end() ? nullptr : &*found;
-}
 
 std::string actionOf(const QQuickItem& item) {
   return item.property("action").toString().toStdString();
@@ -28,16 +20,36 @@ bool passesOn(const QQuickItem& item, const std::string& action) {
                      [&](const QQuickItem* part) { return actionOf(*part) == action; });
 }
 
+struct ToVariant {
+  QVariant operator()(bool flag) const { return flag; }
+  QVariant operator()(double number) const { return number; }
+  QVariant operator()(const std::string& text) const { return QString::fromStdString(text); }
+};
+
+// What `value` holds, in the type of `example`.
+ViewValue likeValue(const ViewValue& example, const QVariant& value) {
+  if (std::holds_alternative<bool>(example)) return value.toBool();
+  if (std::holds_alternative<double>(example)) return value.toDouble();
+  return value.toString().toStdString();
+}
+
 }  // namespace
 
 LayoutBinder::LayoutBinder(QQuickItem& root, ViewController& controller, Log& log)
     : controller_(controller), log_(log) {
+  takeAllOut();
   bindTree(root);
 }
 
 LayoutBinder::~LayoutBinder() {
-  for (const OutletName& row : outletNames()) {
-    std::visit([this](auto outlet) { (controller_.*outlet).connect(nullptr); }, row.outlet);
+  takeAllOut();
+}
+
+void LayoutBinder::takeAllOut() {
+  for (const OutletRow& row : outletTable()) {
+    View& view = row.of(controller_);
+    view.onChange({});
+    view.setPresent(false);
   }
 }
 
@@ -49,19 +61,29 @@ void LayoutBinder::bindTree(QQuickItem& item) {
 }
 
 void LayoutBinder::bindOutlet(QQuickItem& item) {
-  const OutletName* row = rowNamed(outletNames(), item.objectName().toStdString());
+  const OutletRow* row = outletNamed(item.objectName().toStdString());
   if (!row) return;
-  std::visit([&](auto outlet) { connectOutlet(item, outlet); }, row->outlet);
+  View& view = row->of(controller_);
+  if (view.present()) return complain(item, "is there twice");
+  view.setPresent(true);
+  BoundItem& bound = bound_[&item];
+  bound.view = &view;
+  bindProperties(item, bound);
+  push(item);
+  view.onChange([this, &item] { markChanged(item); });
 }
 
-template <class ViewType>
-void LayoutBinder::connectOutlet(QQuickItem& item, OutletMember<ViewType> outlet) {
-  if ((controller_.*outlet).connected()) return complain(item, "is there twice");
-  auto view = std::make_unique<BoundTo<ViewType>>(item);
-  view->view().onChange([this, bound = view.get()] { markChanged(*bound); });
-  for (const std::string& name : view->missingProperties()) complain(item, "has no " + name);
-  (controller_.*outlet).connect(&view->view());
-  views_.emplace(&item, std::move(view));
+void LayoutBinder::bindProperties(QQuickItem& item, BoundItem& bound) {
+  const QMetaObject* type = item.metaObject();
+  for (const ViewProperty& property : propertiesOf(bound.view->kind())) {
+    const std::string name(property.name);
+    const QMetaProperty onItem = type->property(type->indexOfProperty(name.c_str()));
+    if (onItem.isValid() && onItem.isWritable()) {
+      bound.properties.emplace_back(&property, onItem);
+    } else {
+      complain(item, "has no " + name);
+    }
+  }
 }
 
 // An item may change its action as it goes, so that any item that has one is listened to, and the
@@ -70,7 +92,7 @@ void LayoutBinder::connectOutlet(QQuickItem& item, OutletMember<ViewType> outlet
 void LayoutBinder::bindAction(QQuickItem& item) {
   const std::string action = actionOf(item);
   if (action.empty() || passesOn(item, action)) return;
-  if (!rowNamed(actionNames(), action)) complain(item, "has an unknown action, " + action);
+  if (!actionNamed(action)) complain(item, "has an unknown action, " + action);
   const int signal = item.metaObject()->indexOfSignal("activated()");
   if (signal < 0) return complain(item, "has an action and no signal activated()");
   const int slot = metaObject()->indexOfSlot("onActivated()");
@@ -80,52 +102,47 @@ void LayoutBinder::bindAction(QQuickItem& item) {
 void LayoutBinder::onActivated() {
   auto* item = qobject_cast<QQuickItem*>(sender());
   if (!item) return;
-  if (const auto view = views_.find(item); view != views_.end()) view->second->pullUserValue();
+  View* used = takeOverUserValue(*item);
   const std::string action = actionOf(*item);
-  if (const ActionName* row = rowNamed(actionNames(), action)) {
-    call(*row, *item);
-  } else {
+  const ActionRow* row = actionNamed(action);
+  if (!row) {
     complain(*item, "has an unknown action, " + action);
+  } else if (!perform(*row, controller_, used)) {
+    complain(*item, "is no control for the action " + action);
   }
   flush();
 }
 
-void LayoutBinder::call(const ActionName& action, QQuickItem& item) {
-  std::visit([&](const auto& method) { perform(method, item); }, action.call);
+View* LayoutBinder::takeOverUserValue(QQuickItem& item) {
+  const auto found = bound_.find(&item);
+  if (found == bound_.end()) return nullptr;
+  View& view = *found->second.view;
+  for (const auto& [property, onItem] : found->second.properties) {
+    if (property->write) property->write(view, likeValue(property->read(view), onItem.read(&item)));
+  }
+  return &view;
 }
 
-void LayoutBinder::perform(void (ViewController::*const& method)(), QQuickItem&) {
-  (controller_.*method)();
-}
-
-template <class Sender>
-void LayoutBinder::perform(void (ViewController::*const& method)(Sender&), QQuickItem& item) {
-  if (auto* used = senderFor<std::remove_const_t<Sender>>(item)) {
-    (controller_.*method)(*used);
-  } else {
-    complain(item, "is no control for the action " + actionOf(item));
+void LayoutBinder::push(QQuickItem& item) {
+  const BoundItem& bound = bound_.at(&item);
+  for (const auto& [property, onItem] : bound.properties) {
+    const QVariant value = std::visit(ToVariant{}, property->read(*bound.view));
+    if (onItem.read(&item) != value) onItem.write(&item, value);
   }
 }
 
-template <class Sender>
-Sender* LayoutBinder::senderFor(const QQuickItem& item) {
-  const auto found = views_.find(&item);
-  if (found == views_.end()) return nullptr;
-  auto* bound = dynamic_cast<BoundTo<Sender>*>(found->second.get());
-  return bound ? &bound->view() : nullptr;
-}
-
-void LayoutBinder::markChanged(BoundView& view) {
-  if (changed_.empty())
+void LayoutBinder::markChanged(QQuickItem& item) {
+  if (changed_.empty()) {
     QMetaObject::invokeMethod(
         this, [this] { flush(); }, Qt::QueuedConnection);
-  if (std::find(changed_.begin(), changed_.end(), &view) == changed_.end()) {
-    changed_.push_back(&view);
+  }
+  if (std::find(changed_.begin(), changed_.end(), &item) == changed_.end()) {
+    changed_.push_back(&item);
   }
 }
 
 void LayoutBinder::flush() {
-  for (BoundView* view : std::exchange(changed_, {})) view->push();
+  for (QQuickItem* item : std::exchange(changed_, {})) push(*item);
 }
 
 void LayoutBinder::complain(const QQuickItem& item, const std::string& what) {

@@ -1,6 +1,5 @@
-// Ties a layout to the screen controller: every item whose objectName is that of an element becomes
-// the view of that outlet, and every item that has an `action` calls it when it emits
-// `activated()`.
+// Ties a layout to the screen controller: every item whose objectName is that of an element shows
+// that element, and every item that has an `action` calls it when it emits `activated()`.
 //
 //   an item that is             has the properties
 //   any element                 hidden (bool), alpha (real), blinking (bool)
@@ -12,20 +11,23 @@
 //   anything that acts          action (name), activated(), emitted after on or value is the user's
 //
 // What the core changes reaches the items once per turn of the event loop, and only where it
-// differs from what they show. What is missing or unknown in a layout is logged and left out.
+// differs from what they show. What is missing or unknown in a layout is logged and left out;
+// elements without an item are absent as long as the binder lives, and all of them after it.
 //
-// Owns the view objects; the outlets are disconnected when it goes. Thread: main.
+// Thread: main.
 #pragma once
 
+#include <QMetaProperty>
 #include <QObject>
 #include <map>
-#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "adapters/qt/BoundView.h"
-#include "adapters/qt/LayoutNames.h"
+#include "app/ScreenTable.h"
 #include "ports/Log.h"
+
+class QQuickItem;
 
 namespace endpin {
 
@@ -44,24 +46,26 @@ class LayoutBinder final : public QObject {
   void onActivated();
 
  private:
+  // An element and the item that shows it.
+  struct BoundItem {
+    View* view = nullptr;
+    std::vector<std::pair<const ViewProperty*, QMetaProperty>> properties;
+  };
+
+  void takeAllOut();
   void bindTree(QQuickItem& item);
   void bindOutlet(QQuickItem& item);
+  void bindProperties(QQuickItem& item, BoundItem& bound);
   void bindAction(QQuickItem& item);
-  template <class ViewType>
-  void connectOutlet(QQuickItem& item, OutletMember<ViewType> outlet);
-  void call(const ActionName& action, QQuickItem& item);
-  void perform(void (ViewController::*const& method)(), QQuickItem& item);
-  template <class Sender>
-  void perform(void (ViewController::*const& method)(Sender&), QQuickItem& item);
-  template <class Sender>
-  Sender* senderFor(const QQuickItem& item);
-  void markChanged(BoundView& view);
+  void push(QQuickItem& item);
+  View* takeOverUserValue(QQuickItem& item);
+  void markChanged(QQuickItem& item);
   void complain(const QQuickItem& item, const std::string& what);
 
   ViewController& controller_;
   Log& log_;
-  std::map<const QObject*, std::unique_ptr<BoundView>> views_;
-  std::vector<BoundView*> changed_;
+  std::map<const QObject*, BoundItem> bound_;
+  std::vector<QQuickItem*> changed_;
 };
 
 }  // namespace endpin

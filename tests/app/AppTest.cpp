@@ -3,12 +3,11 @@
 
 #include <cmath>
 #include <limits>
+#include <set>
 
-#include "app/AppDelegate.h"
-#include "app/ViewController.h"
-#include "audio/LumoListener.h"
+#include "app/Application.h"
+#include "app/ScreenTable.h"
 #include "calibration/StringFrequencies.h"
-#include "cli/TerminalScreen.h"
 #include "tests/fakes/FakePlatform.h"
 #include "tests/support/Tone.h"
 
@@ -84,29 +83,60 @@ TEST_F(AppDelegateTest, HidesTheStatusBarAfterTheLayout) {
   EXPECT_EQ(screen.calls, (Strings{"Main_iPhone12Pro", "asked, hidden 1", "hidden 1 animation 2"}));
 }
 
+// What a screen in another language has to go by.
+TEST(ScreenTableTest, NamesEveryElementAndSpeaksOfItInPlainValues) {
+  fakes::FakePlatform fake;
+  Application application(fake.platform, false);
+  std::set<std::string_view> names;
+  for (const OutletRow& row : outletTable()) {
+    SCOPED_TRACE(row.name);
+    View& view = row.of(application.controller());
+    EXPECT_TRUE(names.insert(row.name).second) << "twice";
+    int changes = 0;
+    view.onChange([&changes] { ++changes; });
+    for (const ViewProperty& property : propertiesOf(view.kind())) {
+      if (!property.write) continue;
+      const ViewValue before = property.read(view);
+      const ViewValue after = std::holds_alternative<bool>(before)
+                                  ? ViewValue(!std::get<bool>(before))
+                                  : ViewValue(std::get<double>(before) + 1);
+      property.write(view, after);
+      property.write(view, "of another kind");
+      EXPECT_EQ(property.read(view), after);
+      view.setPresent(false);
+      property.write(view, before);
+      EXPECT_EQ(property.read(view), before.index() == 0 ? ViewValue(false) : ViewValue(0.0));
+      view.setPresent(true);
+      EXPECT_EQ(property.read(view), after) << "swallowed while it was absent";
+      EXPECT_EQ(changes, 1);
+    }
+  }
+  for (const ActionRow& row : actionTable()) {
+    EXPECT_TRUE(names.insert(row.name).second) << row.name << " twice";
+    EXPECT_EQ(perform(row, application.controller(), nullptr), !row.sender) << row.name;
+  }
+}
+
 // A run of the application over settings that outlast it.
-struct Launch : TerminalScreen {
+struct Launch {
   explicit Launch(fakes::FakeSettings& settings, bool demo = false)
       : platform{fake.input, fake.session, fake.players, fake.output, fake.runLoop,
                  settings,   fake.device,  fake.bundle,  fake.log},
-        app(platform, demo) {
-    connect(app);
-  }
-  ~Launch() { LumoListener::releaseSharedListener(); }
-  void start() {
-    app.viewDidLoad();
-    app.viewWillAppear(false);
-  }
+        application(platform, demo) {}
+  void start() { application.launch(); }
   void play(double hertz) {
     fake.input.queue->level = {0.1F, 0.2F};
     fake.input.queue->deliver(
         testing::toS16(testing::harmonics(7019.5, 4096 / 7019.5, hertz, {0.1, 0.05, 0.03, 0.02})));
   }
-  Strings shown() const { return {freq_label.text(), noteDisplay.text(), LEDDisplay128.image()}; }
+  Strings shown() const {
+    return {app.freq_label.text(), app.noteDisplay.text(), app.LEDDisplay128.image()};
+  }
 
   fakes::FakePlatform fake;
   Platform platform;
-  ViewController app;
+  Application application;
+  ViewController& app = application.controller();
 };
 
 struct ViewControllerTest : ::testing::Test {
@@ -118,7 +148,7 @@ TEST(FirstLaunch, WritesDefaultsAndRestoresNothing) {
   fakes::FakeSettings settings;
   settings.setInteger("kRatingPromptUseCount", 1);  // recorded a moment before
   Launch run(settings);
-  run.micSensitivitySlider.setValue(3);
+  run.app.micSensitivitySlider.setValue(3);
   run.start();
   EXPECT_EQ(settings.writes,
             (Strings{"kRatingPromptUseCount", "(cleared)", "a4InHzSavedValue", "numberOfRuns",
@@ -129,13 +159,14 @@ TEST(FirstLaunch, WritesDefaultsAndRestoresNothing) {
   EXPECT_EQ(settings.integerForKey("numberOfRuns"), 1);
   EXPECT_EQ(settings.integerForKey("savedSliderValue"), 5);
   EXPECT_FALSE(run.app.feedback().soundNotificationOn) << "the beep waits for the next launch";
-  EXPECT_FALSE(run.soundNotificationSwitch.isOn());
-  EXPECT_EQ(run.micSensitivitySlider.value(), 3);
+  EXPECT_TRUE(run.app.soundNotificationSwitch.isOn()) << "as it stood";
+  EXPECT_EQ(run.app.micSensitivitySlider.value(), 3);
   EXPECT_EQ(run.app.sensitivity().micSensitivityValue, 0);
-  EXPECT_EQ(run.app.setA440btn->backgroundImage(), "selectedFreqBg.png");
-  EXPECT_EQ((Strings{run.currentTemperamentName.text(), run.calibrationFrequencyValue.text(),
-                     run.stringFrequencies[0].text(), run.hZLabel.text(), run.aboutMsg2.text()}),
-            (Strings{"[a440T]", "440", "A3 = 220.0Hz", "[HzTitle]", "[TunerAboutMsg2]"}));
+  EXPECT_EQ(run.app.setA440btn.backgroundImage(), "selectedFreqBg.png");
+  EXPECT_EQ(
+      (Strings{run.app.currentTemperamentName.text(), run.app.calibrationFrequencyValue.text(),
+               run.app.firstStringFreq.text(), run.app.hZLabel.text(), run.app.aboutMsg2.text()}),
+      (Strings{"[a440T]", "440", "A3 = 220.0Hz", "[HzTitle]", "[TunerAboutMsg2]"}));
 }
 
 TEST_F(ViewControllerTest, LaterLaunchesRestore) {
@@ -144,18 +175,18 @@ TEST_F(ViewControllerTest, LaterLaunchesRestore) {
   settings.setBool("stringSoundsEnabled", true);
   settings.setDouble("savedSliderValue", 2.9);
   Launch run(settings);
-  run.freqChartSwitch.setOn(true);
+  run.app.freqChartSwitch.setOn(true);
   run.start();
   EXPECT_EQ(settings.integerForKey("numberOfRuns"), 2);
-  EXPECT_TRUE(run.app.feedback().soundNotificationOn && run.soundNotificationSwitch.isOn());
-  EXPECT_TRUE(run.app.feedback().stringSoundsOn && run.stringSoundsSwitch.isOn());
-  EXPECT_FALSE(run.freqChartSwitch.isOn());
-  EXPECT_EQ(run.micSensitivitySlider.value(), 2);
+  EXPECT_TRUE(run.app.feedback().soundNotificationOn && run.app.soundNotificationSwitch.isOn());
+  EXPECT_TRUE(run.app.feedback().stringSoundsOn && run.app.stringSoundsSwitch.isOn());
+  EXPECT_FALSE(run.app.freqChartSwitch.isOn());
+  EXPECT_EQ(run.app.micSensitivitySlider.value(), 2);
   EXPECT_EQ(run.app.sensitivity().bottomLimit, 0.002) << "thresholds follow the slider only";
-  EXPECT_EQ(run.setFrequencyValueStepper.value(), 437);
-  EXPECT_EQ(run.currentTemperamentName.text(), "");
-  EXPECT_EQ(run.app.setA440btn->backgroundImage(), "");
-  EXPECT_EQ(run.stringFrequencies[0].text(), "A3 = 218.5Hz") << "the chart is on in every run";
+  EXPECT_EQ(run.app.setFrequencyValueStepper.value(), 437);
+  EXPECT_EQ(run.app.currentTemperamentName.text(), "");
+  EXPECT_EQ(run.app.setA440btn.backgroundImage(), "");
+  EXPECT_EQ(run.app.firstStringFreq.text(), "A3 = 218.5Hz") << "the chart is on in every run";
   EXPECT_EQ(run.app.stringReferences()[0].frequency, stringFrequencies(437)[0]);
   for (const char* what : {"set frequency", "saved frequency", "A4 calibration"}) {
     EXPECT_EQ(run.fake.log.count("Current " + std::string(what) + " is:437"), 1) << what;
@@ -170,13 +201,13 @@ TEST_F(ViewControllerTest, StrangeStoredValuesAreBorne) {
   for (const double index : {1e300, -0x1p63, std::nan(""), HUGE_VAL}) {
     settings.setDouble("savedSliderValue", index);
     Launch run(settings);
-    run.micSensitivitySlider.setValue(5);
-    run.stringSoundsSwitch.setOn(true);
+    run.app.micSensitivitySlider.setValue(5);
+    run.app.stringSoundsSwitch.setOn(true);
     run.start();
-    EXPECT_EQ(run.micSensitivitySlider.value(), 0) << index;
+    EXPECT_EQ(run.app.micSensitivitySlider.value(), 0) << index;
     EXPECT_EQ(settings.integerForKey("numberOfRuns"), kMost) << "it does not turn over";
     EXPECT_FALSE(run.app.feedback().soundNotificationOn);
-    EXPECT_TRUE(run.stringSoundsSwitch.isOn());
+    EXPECT_TRUE(run.app.stringSoundsSwitch.isOn());
   }
 }
 
@@ -184,9 +215,9 @@ TEST_F(ViewControllerTest, ATuningForkLeftOpenSilencesTheBeepUntilTheSwitchIsUse
   Launch(settings).app.disableTemporarilySoundConfirmation();
   Launch run(settings);
   run.start();
-  EXPECT_TRUE(run.soundNotificationSwitch.isOn());
+  EXPECT_TRUE(run.app.soundNotificationSwitch.isOn());
   EXPECT_FALSE(run.app.feedback().soundNotificationOn);
-  run.app.soundNotificationAction(run.soundNotificationSwitch);
+  run.app.soundNotificationAction(run.app.soundNotificationSwitch);
   EXPECT_TRUE(run.app.feedback().soundNotificationOn);
 }
 
@@ -197,9 +228,9 @@ TEST_F(ViewControllerTest, StartsInOrderAndKeepsEveryTimer) {
     run.start();
     EXPECT_TRUE(run.fake.device.idleTimerDisabled);
     Strings calls{"record 8", "measurement", "active", "playback 0", "record 8", "active"};
-    if (fails) calls = {"record 8", "measurement", "playback 0"};
-    EXPECT_EQ(run.fake.session.calls, calls);
-    EXPECT_EQ(run.fake.log.count("Error creating session: busy"), fails);
+    if (fails) calls = {"record 8", "measurement", "active", "playback 0"};
+    EXPECT_EQ(run.fake.session.calls, calls) << "a refused category does not keep it inactive";
+    EXPECT_EQ(run.fake.log.count("Error creating session: busy"), 0);
     EXPECT_EQ(run.fake.log.count("Demo mode OFF, Sound detection started..."), 1);
     EXPECT_EQ(run.fake.input.queue->starts, 1);
     EXPECT_EQ(run.app.tuningFork().synthesizer().curTone, ToneSynthesizer::Square);
@@ -212,6 +243,15 @@ TEST_F(ViewControllerTest, StartsInOrderAndKeepsEveryTimer) {
   }
 }
 
+TEST_F(ViewControllerTest, ASessionThatCannotBeHadIsLoggedAndSkipped) {
+  Launch run(settings);
+  run.fake.session.exists = false;
+  run.fake.session.categoryError = "none";
+  run.start();
+  EXPECT_EQ(run.fake.session.calls, (Strings{"record 8", "measurement", "playback 0"}));
+  EXPECT_EQ(run.fake.log.count("Error creating session: none"), 1);
+}
+
 TEST_F(ViewControllerTest, ANoteGoesFromTheMicrophoneToTheLamp) {
   Launch run(settings);
   run.start();
@@ -222,8 +262,8 @@ TEST_F(ViewControllerTest, ANoteGoesFromTheMicrophoneToTheLamp) {
   EXPECT_NEAR(static_cast<double>(run.app.lastReading().frequency), 146.83, 0.22);
   run.play(150.0);
   run.fake.runLoop.advance(0.1);
-  EXPECT_NEAR(std::stod(run.freq_label.text()), 150, 0.3);
-  EXPECT_EQ(run.noteDisplay.text(), "D3");
+  EXPECT_NEAR(std::stod(run.app.freq_label.text()), 150, 0.3);
+  EXPECT_EQ(run.app.noteDisplay.text(), "D3");
   run.fake.input.queue->level = {};
   run.fake.runLoop.advance(0.1);
   EXPECT_EQ(run.shown(), (Strings{"", "", "yellow128.png"}));
@@ -233,17 +273,17 @@ TEST_F(ViewControllerTest, PresetsTakeTheRingsAwayAndTonesFollowThemNotTheSteppe
   Launch run(settings);
   run.start();
   run.app.displayTunedString(1);
-  run.setFrequencyValueStepper.setValue(466);
-  run.app.setFrequencyValue(run.setFrequencyValueStepper);
-  EXPECT_EQ(run.rings[0].image(), "ring1.png");
+  run.app.setFrequencyValueStepper.setValue(466);
+  run.app.setFrequencyValue(run.app.setFrequencyValueStepper);
+  EXPECT_EQ(run.app.ring1.image(), "ring1.png");
   run.app.playC2();
-  EXPECT_EQ(run.tfnoteDisplay.text(), "C2");
+  EXPECT_EQ(run.app.tfnoteDisplay.text(), "C2");
   EXPECT_NEAR(run.app.tuningFork().synthesizer().toneFrequency, 65.4064F, 1e-4);
   EXPECT_EQ(run.fake.output.starts, 1);
   run.app.stopFreqPlay();
   EXPECT_EQ(run.fake.output.stops, 1);
   run.app.setA441();
-  EXPECT_EQ(run.rings[0].image(), "");
+  EXPECT_EQ(run.app.ring1.image(), "");
   EXPECT_NEAR(run.app.stringReferences()[0].toleranceBase, 220.5, 1e-8);
 }
 
@@ -253,12 +293,12 @@ TEST_F(ViewControllerTest, TheDemonstrationIsFrozenAndSilent) {
   EXPECT_EQ(run.fake.input.queuesMade + run.fake.output.unitsMade, 0);
   EXPECT_EQ(run.fake.runLoop.timers, std::vector{0.5}) << "the volume check only";
   EXPECT_EQ(run.shown(), (Strings{"220.0Hz", "A3", "green128.png"}));
-  EXPECT_EQ(run.tunedString5.image(), "1st_string_6plus.png");
+  EXPECT_EQ(run.app.tunedString5.image(), "1st_string_6plus.png");
   run.app.setA415();
   EXPECT_EQ(run.shown(), (Strings{"207.5Hz", "A3", "green128.png"}));
-  EXPECT_EQ(run.rings[0].image(), "ring1.png");
+  EXPECT_EQ(run.app.ring1.image(), "ring1.png");
   run.app.playD3();
-  EXPECT_EQ(run.tfnoteDisplay.text(), "D3");
+  EXPECT_EQ(run.app.tfnoteDisplay.text(), "D3");
   EXPECT_EQ(run.fake.output.starts, 0);
   EXPECT_EQ(run.fake.log.count("Demo mode ON. No sound detection available."), 1);
 }

@@ -25,32 +25,18 @@ TEST(StringFrequenciesTest, FollowEqualTemperament) {
 
 class CalibrationTest : public testing::Test {
  protected:
-  CalibrationTest() {
-    for (std::size_t i = 0; i < kPresets.size(); ++i) {
-      (outlets_.*kPresets[i].button).connect(&buttons_[i]);
-    }
-    outlets_.calibrationFrequencyValue.connect(&value_);
-    outlets_.setFrequencyValueStepper.connect(&stepper_);
-    outlets_.currentTemperamentName.connect(&name_);
-    outlets_.chartDisplay.connect(&picture_);
-  }
-
   // A4 of the one button that is highlighted; 0 for none, -1 for several.
   std::int64_t highlighted() const {
     std::int64_t a4 = 0;
-    for (std::size_t i = 0; i < kPresets.size(); ++i) {
-      if (buttons_[i].backgroundImage() != "selectedFreqBg.png") continue;
-      a4 = a4 == 0 ? kPresets[i].a4InHz : -1;
+    for (const Preset& preset : kPresets) {
+      if ((outlets_.*preset.button).backgroundImage() != "selectedFreqBg.png") continue;
+      a4 = a4 == 0 ? preset.a4InHz : -1;
     }
     return a4;
   }
 
   fakes::FakePlatform fake_;
   CalibrationOutlets outlets_;
-  std::array<Button, 9> buttons_;
-  Label value_, name_;
-  Stepper stepper_;
-  ImageView picture_;
   Calibration calibration_{outlets_, {fake_.settings, fake_.device, fake_.bundle, fake_.log}};
 };
 
@@ -64,11 +50,11 @@ TEST_F(CalibrationTest, PresetsSetEverythingAfterTheirHook) {
       calibration_.choosePreset(*presetFor(hertz), [&] {
         EXPECT_EQ(calibration_.a4InHz(), before);
         calibration_.displayTemperamentName();
-        EXPECT_EQ(name_.text(), "[a" + a4 + "T]") << "named already";
-        name_.setText("");
+        EXPECT_EQ(outlets_.currentTemperamentName.text(), "[a" + a4 + "T]") << "named already";
+        outlets_.currentTemperamentName.setText("");
       });
       before = hertz;
-      EXPECT_EQ(picture_.image(), (idiom ? "chartipad" : "chartiphone") + a4 + ".png");
+      EXPECT_EQ(outlets_.chartDisplay.image(), (idiom ? "chartipad" : "chartiphone") + a4 + ".png");
     }
     EXPECT_EQ(calibration_.a4InHz(), hertz);
     EXPECT_EQ(fake_.settings.integerForKey("a4InHzSavedValue"), hertz);
@@ -76,8 +62,8 @@ TEST_F(CalibrationTest, PresetsSetEverythingAfterTheirHook) {
     EXPECT_EQ(calibration_.frequencies(), stringFrequencies(hertz));
     EXPECT_EQ(calibration_.toleranceBases(), calibration_.frequencies());
     EXPECT_EQ(highlighted(), hertz);
-    EXPECT_EQ(name_.text(), "[a" + a4 + "T]");
-    EXPECT_EQ(value_.text(), a4);
+    EXPECT_EQ(outlets_.currentTemperamentName.text(), "[a" + a4 + "T]");
+    EXPECT_EQ(outlets_.calibrationFrequencyValue.text(), a4);
     EXPECT_EQ(fake_.log.count("Save A " + a4 + "Hz"), 1);
     const std::string first = std::to_string(calibration_.frequencies()[0]);
     EXPECT_EQ(fake_.log.count(first), hertz < 432 ? 2 : 1) << "the two oldest repeat theirs";
@@ -110,35 +96,36 @@ TEST_F(CalibrationTest, TheStepperKeepsTheFrequenciesAndARestoreNamesFewerPitche
     SCOPED_TRACE(row.a4);
     const auto saved = static_cast<std::int64_t>(row.a4);
     const std::string shown = saved == 0 ? "00" : std::to_string(saved);
-    picture_.setImage("");
+    outlets_.chartDisplay.setImage("");
     fake_.log.lines.clear();
-    stepper_.setValue(row.a4);
-    calibration_.setFrequencyValue(stepper_);
-    EXPECT_EQ(name_.text(), row.stepped);
-    EXPECT_EQ(value_.text(), shown);
+    outlets_.setFrequencyValueStepper.setValue(row.a4);
+    calibration_.setFrequencyValue(outlets_.setFrequencyValueStepper);
+    EXPECT_EQ(outlets_.currentTemperamentName.text(), row.stepped);
+    EXPECT_EQ(outlets_.calibrationFrequencyValue.text(), shown);
     EXPECT_EQ(calibration_.a4InHz(), saved);
     EXPECT_EQ(fake_.settings.integerForKey("savedA4Calibration"), saved);
     EXPECT_EQ(fake_.settings.integerForKey("a4InHzSavedValue"), saved);
     EXPECT_EQ(calibration_.frequencies(), before);
     EXPECT_EQ(calibration_.toleranceBases(), before);
     EXPECT_EQ(highlighted(), 440) << "whatever the value";
-    EXPECT_EQ(picture_.image(), "chartiphone440.png");
+    EXPECT_EQ(outlets_.chartDisplay.image(), "chartiphone440.png");
     EXPECT_EQ(fake_.log.lines, (std::vector<std::string>{"Save A 440Hz"}));
 
-    for (Button& button : buttons_) button.setBackgroundImage("");
+    for (const Preset& preset : kPresets) (outlets_.*preset.button).setBackgroundImage("");
     Calibration next(outlets_, {fake_.settings, fake_.device, fake_.bundle, fake_.log});
     for (const int idiom : {1, 0}) {
       fake_.device.idiom = idiom;
-      picture_.setImage("old");
-      value_.setText("");
+      outlets_.chartDisplay.setImage("old");
+      outlets_.calibrationFrequencyValue.setText("");
       next.restore(saved);
-      EXPECT_EQ(value_.text(), shown);
-      EXPECT_EQ(picture_.image(), saved == 432 && idiom == 1 ? "chartipad432.png" : "old");
+      EXPECT_EQ(outlets_.calibrationFrequencyValue.text(), shown);
+      EXPECT_EQ(outlets_.chartDisplay.image(),
+                saved == 432 && idiom == 1 ? "chartipad432.png" : "old");
     }
     next.displayChart();
-    EXPECT_EQ(name_.text(), row.restored);
+    EXPECT_EQ(outlets_.currentTemperamentName.text(), row.restored);
     EXPECT_EQ(highlighted(), row.highlight);
-    EXPECT_EQ(stepper_.value(), static_cast<double>(saved));
+    EXPECT_EQ(outlets_.setFrequencyValueStepper.value(), static_cast<double>(saved));
     EXPECT_EQ(next.a4InHz(), saved);
     next.deriveFrequencies();  // what the next appearance of the screen does
     EXPECT_EQ(next.frequencies(), stringFrequencies(saved));

@@ -139,6 +139,27 @@ TEST_F(CommandLine, GoodInputIsToldByTheClockOfTheFileAndSilentOnStandardError) 
   }
 }
 
+// A sound file starts from nothing unless a file of settings is named; that one is a first launch,
+// which is silent, and then a later one.
+TEST_F(CommandLine, SettingsAreKeptInTheFileThatIsNamedAndNowhereElse) {
+  writeWav(path("note.wav"), bowedTone(48000.0, 2.0, 220.0));
+  const Command listen = {"listen", "--json", "--input", path("note.wav")};
+  const auto beeps = [this](Command command, const Command& more) {
+    command.insert(command.end(), more.begin(), more.end());
+    const Finished finished = run(command);
+    EXPECT_EQ(finished.exitCode, 0) << finished.errors;
+    const Ticks ticks = parseTicks(finished.output);
+    return ticks.empty() ? -1 : ticks.back().beeps;
+  };
+  for (int launch = 0; launch < 2; ++launch) EXPECT_EQ(beeps(listen, {}), 0) << "always the first";
+  EXPECT_EQ(beeps(listen, {"--a4", "440"}), 1);
+  EXPECT_TRUE(fs::is_empty(home_.path()));
+  EXPECT_EQ(beeps(listen, {"--store", path("kept.db")}), 0);
+  EXPECT_EQ(beeps(listen, {"--store", path("kept.db")}), 1);
+  EXPECT_TRUE(fs::is_empty(home_.path()));
+  expectRefused({"listen", "--a4", "442", "--store", path("kept.db")}, {2});
+}
+
 TEST_F(CommandLine, ToneIsWhatTheTuningForkPlaysFromItsBeginning) {
   const struct {
     int string;  // 0 is the highest

@@ -89,8 +89,10 @@ struct FakeSession final : AudioSession {
     calls.emplace_back(active ? "active" : "inactive");
     return activeError;
   }
+  bool available() const override { return exists; }
   float outputVolume() const override { return volume; }
 
+  bool exists = true;
   Error categoryError, activeError;
   float volume = 1;
   std::vector<std::string> calls;

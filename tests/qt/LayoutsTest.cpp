@@ -8,8 +8,8 @@
 #include <set>
 
 #include "adapters/qt/LayoutWindow.h"
+#include "app/Application.h"
 #include "app/LayoutTable.h"
-#include "audio/LumoListener.h"
 #include "tests/fakes/FakePlatform.h"
 #include "tests/qt/FindItem.h"
 
@@ -25,7 +25,6 @@ class LayoutsTest : public ::testing::TestWithParam<StoryboardChoice> {
     window.installLayout(GetParam().layout);
     settle();
   }
-  ~LayoutsTest() override { LumoListener::releaseSharedListener(); }
 
   static void settle() { QTest::qWait(5); }
 
@@ -61,7 +60,8 @@ class LayoutsTest : public ::testing::TestWithParam<StoryboardChoice> {
   const char* lamp = height < 600 ? "LEDDisplay" : "LEDDisplay128";
   fakes::FakePlatform fake;
   fakes::FakeLog faults;
-  ViewController controller{fake.platform, false};
+  Application application{fake.platform, false};
+  ViewController& controller = application.controller();
   LayoutWindow window{{.model = model}, controller, faults};
 };
 
@@ -71,26 +71,25 @@ TEST_P(LayoutsTest, BindsTheOutletsOfItsDeviceAndFollowsThemOnceATurn) {
                                        "LEDDisplay",  "LEDDisplay128", "establecerIdioma"};
   absent.erase(strings);
   absent.erase(lamp);
-  for (const OutletName& row : outletNames()) {
-    const bool connected =
-        std::visit([this](auto outlet) { return (controller.*outlet).connected(); }, row.outlet);
-    EXPECT_EQ(connected, !absent.contains(row.name)) << row.name;
+  for (const OutletRow& row : outletTable()) {
+    EXPECT_EQ(row.of(controller).present(), !absent.contains(row.name)) << row.name;
   }
   EXPECT_EQ(window.root()->width() / window.root()->height(), model.width / model.height);
-  EXPECT_TRUE(controller.freqChartSwitch->isOn() && controller.soundNotificationSwitch->isOn());
-  EXPECT_EQ(controller.micSensitivitySlider->value(), 5);
-  EXPECT_EQ(controller.setFrequencyValueStepper->value(), 440);
+  EXPECT_TRUE(controller.freqChartSwitch.isOn() && controller.soundNotificationSwitch.isOn());
+  EXPECT_EQ(controller.micSensitivitySlider.value(), 5);
+  EXPECT_EQ(controller.setFrequencyValueStepper.value(), 440);
 
   QQuickItem& frequency = item("freq_label");
-  EXPECT_EQ(controller.LEDDisplay128->image() + controller.LEDDisplay->image(),
+  EXPECT_EQ(controller.LEDDisplay128.image() + controller.LEDDisplay.image(),
             item(lamp).property("image").toString().toStdString())
       << "as drawn";
   QSignalSpy changes(&frequency, SIGNAL(textChanged()));
-  for (const char* text : {"146.9Hz", "", "146.8Hz"}) controller.freq_label->setText(text);
+  for (const char* text : {"146.9Hz", "", "146.8Hz"}) controller.freq_label.setText(text);
   EXPECT_EQ(frequency.property("text"), "");
   settle();
   EXPECT_EQ(frequency.property("text"), "146.8Hz");
   EXPECT_EQ(changes.count(), 1);
+  controller.setTunedStringsHidden(false);
   controller.displayTunedString(2);
   settle();
   EXPECT_EQ(item(strings).property("image").toString().toStdString(),
@@ -98,15 +97,15 @@ TEST_P(LayoutsTest, BindsTheOutletsOfItsDeviceAndFollowsThemOnceATurn) {
 
   fake.session.volume = 0.49F;
   controller.checkVolume();
-  controller.LEDDisplay->setImage("green64.png");
-  controller.LEDDisplay128->setImage("green64.png");
+  controller.LEDDisplay.setImage("green64.png");
+  controller.LEDDisplay128.setImage("green64.png");
   settle();
   EXPECT_EQ(item(lamp).property("image"), "green64.png");
   EXPECT_EQ(item("turnUpTheVolumeLabel").property("blinking"), true);
   EXPECT_EQ(item("turnUpTheVolumeTriangleLabel").property("blinking"), true);
   const ViewAnimation blink{0.25, 0, true, true, 0};
-  EXPECT_EQ(controller.turnUpTheVolumeLabel->animation(), blink);
-  EXPECT_EQ(controller.turnUpTheVolumeTriangleLabel->animation(), blink);
+  EXPECT_EQ(controller.turnUpTheVolumeLabel.animation(), blink);
+  EXPECT_EQ(controller.turnUpTheVolumeTriangleLabel.animation(), blink);
   fake.session.volume = 0.5F;
   controller.checkVolume();
   settle();
@@ -121,11 +120,11 @@ TEST_P(LayoutsTest, SettingsReachTheController) {
     click(QString("setA%1btn").arg(a4));
     EXPECT_EQ(fake.settings.integerForKey("a4InHzSavedValue"), a4);
     EXPECT_EQ(item(QString("setA%1btn").arg(a4)).property("backgroundImage"), "selectedFreqBg.png");
-    EXPECT_EQ(controller.chartDisplay->image(), chart + std::to_string(a4) + ".png");
+    EXPECT_EQ(controller.chartDisplay.image(), chart + std::to_string(a4) + ".png");
   }
   const auto chartLabels = [this] {
-    return controller.firstStringFreq->text() + "|" + controller.secondStringFreq->text() + "|" +
-           controller.thirdStringFreq->text() + "|" + controller.fourthStringFreq->text();
+    return controller.firstStringFreq.text() + "|" + controller.secondStringFreq.text() + "|" +
+           controller.thirdStringFreq.text() + "|" + controller.fourthStringFreq.text();
   };
   const std::string at466 = "A3 = 233.0Hz|D3 = 155.5Hz|G2 = 103.8Hz|C2 = 69.3Hz";
   EXPECT_EQ(chartLabels(), at466);
@@ -159,7 +158,7 @@ TEST_P(LayoutsTest, SettingsReachTheController) {
   }
   QMetaObject::invokeMethod(&item("setA415btn"), "activated");
   EXPECT_EQ(item("setA415btn").property("backgroundImage"), "selectedFreqBg.png") << "at once";
-  controller.setA415btn->setEnabled(false);
+  controller.setA415btn.setEnabled(false);
   settle();
   EXPECT_FALSE(item("setA415btn").isEnabled());
   closePanel();
@@ -201,10 +200,10 @@ INSTANTIATE_TEST_SUITE_P(Devices, LayoutsTest, ::testing::ValuesIn(storyboardCho
                          });
 
 struct LayoutTest : ::testing::Test {
-  ~LayoutTest() override { LumoListener::releaseSharedListener(); }
   fakes::FakePlatform fake;
   fakes::FakeLog faults;
-  ViewController controller{fake.platform, false};
+  Application application{fake.platform, false};
+  ViewController& controller = application.controller();
 };
 
 TEST_F(LayoutTest, KeepsItsProportionsInTheMiddleAndLeavesNothingBehind) {
@@ -216,11 +215,12 @@ TEST_F(LayoutTest, KeepsItsProportionsInTheMiddleAndLeavesNothingBehind) {
   EXPECT_EQ(window.inWindow({0, 0}), QPointF(402, 0));
   EXPECT_EQ(window.inWindow({390, 844}), QPointF(597, 422));
 
-  controller.freq_label->setText("pending");
+  controller.freq_label.setText("pending");
   window.installLayout("Main_nothing");
   EXPECT_FALSE(window.hasLayout());
   EXPECT_EQ(faults.lines.size(), 2U);
-  EXPECT_FALSE(controller.freq_label.connected());
+  EXPECT_FALSE(controller.freq_label.present());
+  EXPECT_EQ(controller.freq_label.text(), "");
   QTest::qWait(5);
 }
 

@@ -23,9 +23,7 @@
 #include "adapters/qt/LayoutWindow.h"
 #include "adapters/qt/QtRunLoop.h"
 #include "adapters/sqlite/SqliteStore.h"
-#include "app/AppDelegate.h"
-#include "app/ViewController.h"
-#include "audio/LumoListener.h"
+#include "app/Application.h"
 #include "desktop/Rating.h"
 #include "tests/rating/FakeRatingPlatform.h"
 #include "tests/support/TempDirectory.h"
@@ -244,12 +242,9 @@ struct Launch {
                                fakes.device, activation, bundles, screen, world, nullptr, nullptr,
                                &screen, nullptr});
     window.setReducedMotion(true);
-    AppDelegate({fakes.device, window, fakes.log}).applicationDidFinishLaunching();
+    application.launch(window);
   }
-  ~Launch() {
-    RatingPrompt::releaseSharedInstance();
-    LumoListener::releaseSharedListener();
-  }
+  ~Launch() { RatingPrompt::releaseSharedInstance(); }
   QQuickItem* item(const char* property, const QVariant& value) {
     return find(window.root(), property, value);
   }
@@ -284,7 +279,8 @@ struct Launch {
   FileBundle bundle{{ENDPIN_RESOURCES, "de", "1.0"}, fakes.log};
   Platform platform{fakes.input, fakes.session, fakes.players, fakes.output, runLoop,
                     store,       fakes.device,  bundle,        fakes.log};
-  ViewController controller{platform, false};
+  Application application{platform, false};
+  ViewController& controller = application.controller();
   LayoutWindow window{{.model = *deviceNamed("phone:844")}, controller, fakes.log};
   SystemClock clock;
   ActivationWatch activation;

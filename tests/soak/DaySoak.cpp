@@ -92,9 +92,9 @@ struct Script {
   }
 
   void flipSoundSwitch() {
-    world.controller.soundNotificationAction(flipped(world.screen.soundNotificationSwitch));
+    world.controller.soundNotificationAction(flipped(world.controller.soundNotificationSwitch));
   }
-  [[nodiscard]] bool beeps() const { return world.screen.soundNotificationSwitch.isOn(); }
+  [[nodiscard]] bool beeps() const { return world.controller.soundNotificationSwitch.isOn(); }
   static Switch& flipped(Switch& control) {
     control.setOn(!control.isOn());
     return control;
@@ -133,18 +133,18 @@ struct Script {
       [this] {
         a4Shown = std::floor(dice.between(380, 480));
         preset = 3;
-        world.screen.setFrequencyValueStepper.setValue(a4Shown);
-        world.controller.setFrequencyValue(world.screen.setFrequencyValueStepper);
+        world.controller.setFrequencyValueStepper.setValue(a4Shown);
+        world.controller.setFrequencyValue(world.controller.setFrequencyValueStepper);
       },
       [this] {
-        world.screen.micSensitivitySlider.setValue(dice.between(0, 10));
-        world.controller.micSensitivity(world.screen.micSensitivitySlider);
+        world.controller.micSensitivitySlider.setValue(dice.between(0, 10));
+        world.controller.micSensitivity(world.controller.micSensitivitySlider);
       },
       [this] { flipSoundSwitch(); },
       [this] {
-        world.controller.toggleFreqChart(flipped(world.screen.freqChartSwitch));
+        world.controller.toggleFreqChart(flipped(world.controller.freqChartSwitch));
         world.controller.displayChart();
-        world.controller.toggleStringSounds(flipped(world.screen.stringSoundsSwitch));
+        world.controller.toggleStringSounds(flipped(world.controller.stringSoundsSwitch));
       },
       [this] { !fork || dice.chance(0.3) ? playFork() : stopFork(); },
       [this] {
@@ -224,7 +224,7 @@ class Day {
     const std::string note = green() ? note_ : "";
     const bool newNote = std::exchange(greenNote_, note) != note;
     for (std::size_t string = 0; string < 4; ++string) {
-      const bool ring = !screen_.rings[string].image().empty();
+      const bool ring = !screen_.ring(static_cast<int>(string) + 1).image().empty();
       const bool newRing = !std::exchange(script_.rings[string], ring) && ring;
       const bool named = note == kNotes[string];
       expect(!newRing || named, "a ring from nothing");
@@ -274,8 +274,9 @@ class Day {
            "the label of A4 is not A4");
     const Calibration& calibration = world_.controller.calibration();
     expect(calibration.frequencies() == calibration.toleranceBases(), "tolerances lag behind");
-    for (std::size_t i = 0; i < screen_.presets.size(); ++i) {
-      const bool highlighted = screen_.presets[i].backgroundImage() == "selectedFreqBg.png";
+    for (std::size_t i = 0; i < kPresets.size(); ++i) {
+      const bool highlighted =
+          (screen_.*kPresets[i].button).backgroundImage() == "selectedFreqBg.png";
       expect(highlighted == (i == script_.preset), "the wrong preset is highlighted");
     }
     expect(script_.fork == world_.forkRuns, "the tuning fork does not do as it is told");
@@ -320,7 +321,7 @@ class Day {
   DayWorld world_;
   Script script_;
   Bounds bounds_;
-  const TerminalScreen& screen_ = world_.screen;
+  ViewController& screen_ = world_.controller;
   const std::string& shown_ = screen_.freq_label.text();
   const std::string& note_ = screen_.noteDisplay.text();
   std::string greenNote_;  // at the last tick

@@ -19,10 +19,7 @@
 #include "adapters/offline/MemoryStore.h"
 #include "adapters/offline/OfflineSession.h"
 #include "adapters/offline/VirtualRunLoop.h"
-#include "app/AppDelegate.h"
-#include "app/ViewController.h"
-#include "audio/LumoListener.h"
-#include "cli/TerminalScreen.h"
+#include "app/Application.h"
 #include "ports/Screen.h"
 #include "tests/rating/FakeRatingPlatform.h"
 
@@ -52,11 +49,9 @@ class DayWorld : AudioInput, AudioOutput, OfflineSession, Screen {
     settings_.setBool("soundNotificationEnabled", true);
     settings_.setInteger("a4InHzSavedValue", 440);
     settings_.setBool("NewFirstLaunchCello", true);
-    screen.connect(controller);
     rating.use(fakes::FakeRatingPlatform::kModern);
-    delegate_.applicationDidFinishLaunching();
+    application_.launch(*this);
   }
-  ~DayWorld() override { LumoListener::releaseSharedListener(); }
   DayWorld(const DayWorld&) = delete;
 
   [[nodiscard]] double now() const { return static_cast<double>(ticks) / 10; }  // seconds
@@ -77,7 +72,7 @@ class DayWorld : AudioInput, AudioOutput, OfflineSession, Screen {
 
   void leaveAndReturn() {
     if (rating.resign) rating.resign();
-    delegate_.applicationWillEnterForeground();
+    application_.enterForeground();
   }
 
   // Puts the rating alert off, if it is there.
@@ -106,7 +101,6 @@ class DayWorld : AudioInput, AudioOutput, OfflineSession, Screen {
   CountedRunLoop runLoop;
   CountingPlayers players;
   fakes::FakeRatingPlatform rating;
-  TerminalScreen screen;
 
  private:
   struct Fork : AudioOutputUnit {
@@ -148,12 +142,12 @@ class DayWorld : AudioInput, AudioOutput, OfflineSession, Screen {
   FixedDevice device_;
   FileBundle bundle_{{ENDPIN_RESOURCES, "en", "1.0"}, log_};
   Platform platform_{*this, *this, players, *this, runLoop, settings_, device_, bundle_, log_};
-  AppDelegate delegate_{{device_, *this, log_}};
   std::function<void(AudioOutputBuffer, std::uint32_t)> pull_;
   std::uint64_t samples_ = 0;
+  Application application_{platform_, false};
 
  public:
-  ViewController controller{platform_, false};
+  ViewController& controller = application_.controller();
 };
 
 }  // namespace endpin::soak

@@ -27,7 +27,7 @@
 #include "adapters/pulse/DesktopAudioSession.h"
 #include "adapters/qt/LayoutWindow.h"
 #include "adapters/qt/QtRunLoop.h"
-#include "audio/LumoListener.h"
+#include "app/Application.h"
 #include "tests/qt/FindItem.h"
 #include "tests/soak/Soak.h"
 #include "tests/support/PrivateSoundServer.h"
@@ -163,7 +163,6 @@ class LiveScreen {
     QObject::connect(&pressing_, &QTimer::timeout, &pressing_, [this] { press(); });
     pressing_.start(200);
   }
-  ~LiveScreen() { LumoListener::releaseSharedListener(); }
   LiveScreen(const LiveScreen&) = delete;
 
   // What the presses are for. Thread: any.
@@ -237,7 +236,8 @@ class LiveScreen {
   QtRunLoop runLoop_;
   Platform platform_{microphone_, session_, players_, output_, runLoop_,
                      settings_,   device_,  bundle_,  log_};
-  ViewController controller_{platform_, false};
+  Application application_{platform_, false};
+  ViewController& controller_ = application_.controller();
   LayoutWindow window_{{.model = *deviceNamed("phone:844")}, controller_, log_};
 
   Dice dice_;

@@ -24,14 +24,6 @@ StringReferences referencesAt(std::int64_t a4) {
 class FeedbackTest : public testing::Test {
  protected:
   FeedbackTest() {
-    outlets_.freq_label.connect(&frequency_);
-    outlets_.noteDisplay.connect(&note_);
-    outlets_.LEDDisplay.connect(&lamp_);
-    outlets_.tunedString5.connect(&picture_);
-    outlets_.ring1.connect(&rings_[0]);
-    outlets_.ring2.connect(&rings_[1]);
-    outlets_.ring3.connect(&rings_[2]);
-    outlets_.ring4.connect(&rings_[3]);
     feedback_.soundNotificationOn = true;
     feedback_.prepareBeepSound();
   }
@@ -39,24 +31,22 @@ class FeedbackTest : public testing::Test {
   void tick(float hertz, float power = 0.1F) { tick_.run({power, hertz}, references_); }
 
   void expectShown(const char* frequency, const char* note, const char* lamp, bool pictureHidden) {
-    EXPECT_EQ(frequency_.text(), frequency);
-    EXPECT_EQ(note_.text(), note);
-    EXPECT_EQ(lamp_.image(), lamp);
-    EXPECT_EQ(picture_.hidden(), pictureHidden);
+    EXPECT_EQ(outlets_.freq_label.text(), frequency);
+    EXPECT_EQ(outlets_.noteDisplay.text(), note);
+    EXPECT_EQ(outlets_.LEDDisplay.image(), lamp);
+    EXPECT_EQ(outlets_.tunedString5.hidden(), pictureHidden);
   }
   void expectRings(const std::set<int>& numbers) {
-    for (int number = 1; const ImageView& ring : rings_) {
+    for (int number = 1; number <= 4; ++number) {
       const bool there = numbers.contains(number);
-      EXPECT_EQ(ring.image(), there ? "ring" + std::to_string(number) + ".png" : "");
-      EXPECT_EQ(feedback_.ringShown(number++), there);
+      EXPECT_EQ(outlets_.ring(number).image(),
+                there ? "ring" + std::to_string(number) + ".png" : "");
+      EXPECT_EQ(feedback_.ringShown(number), there);
     }
   }
 
   fakes::FakePlatform fake_;
   TunerOutlets outlets_;
-  Label frequency_, note_;
-  ImageView lamp_, picture_;
-  std::array<ImageView, 4> rings_;
   Sensitivity sensitivity_;
   TunedStringFeedback feedback_{
       outlets_,
@@ -74,7 +64,7 @@ TEST_F(FeedbackTest, ShowsOneNoteFromSilenceToSilence) {
   expectShown("220.3Hz", "", "yellow64.png", true);
   tick(220.2F);
   expectShown("220.0Hz", "A3", "green64.png", false);
-  EXPECT_EQ(picture_.image(), "1st_string_6plus.png");
+  EXPECT_EQ(outlets_.tunedString5.image(), "1st_string_6plus.png");
   expectRings({1});
   tick(221.0F);
   expectShown("221.0Hz", "A3", "green64.png", false);
@@ -87,7 +77,7 @@ TEST_F(FeedbackTest, ShowsOneNoteFromSilenceToSilence) {
 
 TEST_F(FeedbackTest, OvertonesShowTheLastJudgement) {
   tick(800.0F);
-  expectShown("", "", "", false);  // nothing was judged yet
+  expectShown("", "", "yellow64.png", true);  // nothing was judged yet
   tick(146.8F);
   tick(700.0F);
   expectShown("700.0Hz", "D3", "green64.png", false);
@@ -123,19 +113,20 @@ TEST_F(FeedbackTest, RingsAccumulateAndGoTogether) {
   expectRings({1, 3, 4});
   feedback_.removeRings();
   expectRings({});
-  EXPECT_EQ(picture_.image(), "4th_string_6plus.png") << "the picture stays";
+  EXPECT_EQ(outlets_.tunedString5.image(), "4th_string_6plus.png") << "the picture stays";
 }
 
 TEST_F(FeedbackTest, AnUnknownScreenKeepsItsPicture) {
-  outlets_.tunedString.connect(&picture_);
-  outlets_.tunedStringiPad.connect(&picture_);
   const std::pair<std::optional<int>, double> rows[] = {
       {0, 844.5}, {0, 1024}, {1, 1100}, {1, 568}, {2, 1024}};
   for (const auto& [idiom, height] : rows) {
     fake_.device.idiom = idiom;
     fake_.device.height = height;
     feedback_.displayTunedString(1);
-    EXPECT_EQ(picture_.image(), "") << height;
+    for (const ImageView* picture :
+         {&outlets_.tunedString, &outlets_.tunedString5, &outlets_.tunedStringiPad}) {
+      EXPECT_EQ(picture->image(), "") << height;
+    }
   }
 }
 
