@@ -9,11 +9,13 @@
 #include <numbers>
 #include <vector>
 
+#include "audio/FineEstimator.h"
 #include "audio/LumoListener.h"
 #include "audio/PitchEstimator.h"
 
 namespace {
 
+using endpin::FineEstimator;
 using endpin::LumoListener;
 using endpin::PitchEstimator;
 
@@ -57,5 +59,12 @@ void BM_Estimate(benchmark::State& state) {
   }
 }
 BENCHMARK(BM_Estimate)->Unit(benchmark::kMicrosecond);
+
+void BM_FineEstimate(benchmark::State& state) {
+  const auto block = celloLikeBlock();
+  const auto estimator = std::make_unique<FineEstimator>();
+  for (auto _ : state) benchmark::DoNotOptimize(estimator->estimate(block.data(), 8192));
+}
+BENCHMARK(BM_FineEstimate)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
