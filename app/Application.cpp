@@ -4,8 +4,8 @@
 
 namespace endpin {
 
-Application::Application(Platform& platform, bool demoModeEnabled)
-    : platform_(platform), controller_(platform, demoModeEnabled) {
+Application::Application(Platform& platform, bool demoModeEnabled, bool fineHearingByDefault)
+    : platform_(platform), controller_(platform, demoModeEnabled, fineHearingByDefault) {
   LumoListener::usePorts({platform.audioInput, platform.audioSession, platform.log});
 }
 

@@ -14,7 +14,9 @@ namespace endpin {
 class Application {
  public:
   // `platform` outlives the application. Nothing starts yet.
-  explicit Application(Platform& platform, bool demoModeEnabled = ViewController::kDemoModeEnabled);
+  // The two switches are the controller's.
+  explicit Application(Platform& platform, bool demoModeEnabled = ViewController::kDemoModeEnabled,
+                       bool fineHearingByDefault = false);
   // The listener ends here; the run loop must not run any more.
   ~Application();
   Application(const Application&) = delete;

@@ -23,9 +23,10 @@ constexpr OutletRow outlet(std::string_view name) {
 
 // The kind of control that a method takes.
 template <class Control>
-constexpr ViewKind kKindOf = std::is_same_v<Control, Switch>   ? ViewKind::Switch
-                             : std::is_same_v<Control, Slider> ? ViewKind::Slider
-                                                               : ViewKind::Stepper;
+constexpr ViewKind kKindOf = std::is_same_v<Control, Switch>       ? ViewKind::Switch
+                             : std::is_same_v<Control, Slider>     ? ViewKind::Slider
+                             : std::is_same_v<Control, ChoiceList> ? ViewKind::ChoiceList
+                                                                   : ViewKind::Stepper;
 
 template <auto Method>
 struct Action;
@@ -90,6 +91,7 @@ constexpr OutletRow kOutlets[] = {
     outlet<&Screen::d3TFButton>("d3TFButton"),
     outlet<&Screen::g2TFButton>("g2TFButton"),
     outlet<&Screen::c2TFButton>("c2TFButton"),
+    outlet<&Screen::stopTFButton>("stopTFButton"),
     outlet<&Screen::tfnoteDisplay>("tfnoteDisplay"),
     outlet<&Screen::tfFreqLabel>("tfFreqLabel"),
     outlet<&Screen::tuningForkButton>("tuningForkButton"),
@@ -104,6 +106,21 @@ constexpr OutletRow kOutlets[] = {
     outlet<&Screen::aboutMsg2>("aboutMsg2"),
     outlet<&Screen::aboutCongratsMessage>("aboutCongratsMessage"),
     outlet<&Screen::establecerIdioma>("establecerIdioma"),
+
+    outlet<&Screen::announcement>("announcement"),
+    outlet<&Screen::inputLevel>("inputLevel"),
+    outlet<&Screen::firstNoteHint>("firstNoteHint"),
+    outlet<&Screen::troubleTitle>("troubleTitle"),
+    outlet<&Screen::troubleRemedy>("troubleRemedy"),
+    outlet<&Screen::microphoneLabel>("microphoneLabel"),
+    outlet<&Screen::microphoneName>("microphoneName"),
+    outlet<&Screen::microphoneChoices>("microphoneChoices"),
+    outlet<&Screen::fineHearingLabel>("fineHearingLabel"),
+    outlet<&Screen::fineHearingHint>("fineHearingHint"),
+    outlet<&Screen::fineHearingSwitch>("fineHearingSwitch"),
+    outlet<&Screen::byEarMark>("byEarMark"),
+    outlet<&Screen::byEarHint>("byEarHint"),
+    outlet<&Screen::fineHearingButton>("fineHearingButton"),
 };
 
 constexpr ActionRow kActions[] = {
@@ -128,6 +145,10 @@ constexpr ActionRow kActions[] = {
     action<&Screen::stopFreqPlay>("stopFreqPlay"),
     action<&Screen::disableTemporarilySoundConfirmation>("disableTemporarilySoundConfirmation"),
     action<&Screen::enableSoundConfirmation>("enableSoundConfirmation"),
+    action<&Screen::returnToMainScreen>("returnToMainScreen"),
+    action<&Screen::chooseMicrophone>("chooseMicrophone"),
+    action<&Screen::toggleFineHearing>("toggleFineHearing"),
+    action<&Screen::turnOnFineHearing>("turnOnFineHearing"),
 };
 
 template <class Row>
@@ -186,8 +207,9 @@ bool perform(const ActionRow& action, ViewController& controller, View* sender) 
 }
 
 std::string_view nameOf(ViewKind kind) {
-  constexpr std::array<std::string_view, 7> kNames = {"label",  "imageView", "button",    "switch",
-                                                      "slider", "stepper",   "pickerView"};
+  constexpr std::array<std::string_view, 9> kNames = {"label",      "imageView", "button",
+                                                      "switch",     "slider",    "stepper",
+                                                      "pickerView", "meter",     "choiceList"};
   return kNames[static_cast<std::size_t>(kind)];
 }
 
@@ -196,7 +218,7 @@ std::span<const ViewProperty> propertiesOf(ViewKind kind) {
   constexpr auto kWriteValue = writeWith<ValueControl, &ValueControl::setValue, double>;
   static const Properties kValue =
       withOwn({{"value", readWith<ValueControl, &ValueControl::value>, kWriteValue}});
-  static const std::array<Properties, 7> kProperties = {
+  static const std::array<Properties, 9> kProperties = {
       withOwn({{"text", readWith<Label, &Label::text>}}),
       withOwn({{"image", readWith<ImageView, &ImageView::image>}}),
       withOwn({{"enabled", readWith<Button, &Button::enabled>},
@@ -205,6 +227,10 @@ std::span<const ViewProperty> propertiesOf(ViewKind kind) {
       kValue,
       kValue,
       withOwn({}),
+      withOwn({{"level", readWith<Meter, &Meter::level>}}),
+      withOwn({{"choices", readWith<ChoiceList, &ChoiceList::choices>},
+               {"chosen", readWith<ChoiceList, &ChoiceList::chosen>,
+                writeWith<ChoiceList, &ChoiceList::setChosen, double>}}),
   };
   return kProperties[static_cast<std::size_t>(kind)];
 }

@@ -35,12 +35,13 @@ struct ActionRow {
 // it wants a control of another kind.
 bool perform(const ActionRow& action, ViewController& controller, View* sender);
 
-// "label", "imageView", "button", "switch", "slider", "stepper" or "pickerView".
+// "label", "imageView", "button", "switch", "slider", "stepper", "pickerView", "meter" or
+// "choiceList".
 [[nodiscard]] std::string_view nameOf(ViewKind kind);
 
 // The properties of that kind of element: `hidden`, `alpha` and `blinking` of all, `text` of a
 // label, `image` of an image view, `enabled` and `backgroundImage` of a button, `on` of a switch,
-// `value` of a slider and a stepper.
+// `value` of a slider and a stepper, `level` of a meter, `choices` and `chosen` of a choice list.
 [[nodiscard]] std::span<const ViewProperty> propertiesOf(ViewKind kind);
 
 }  // namespace endpin

@@ -20,13 +20,15 @@ constexpr double kVolumeCheckSeconds = 0.5;
 
 }  // namespace
 
-ViewController::ViewController(Platform& platform, bool demoModeEnabled)
+ViewController::ViewController(Platform& platform, bool demoModeEnabled, bool fineHearingByDefault)
     : platform_(platform),
       demoModeEnabled_(demoModeEnabled),
       feedback_(*this, {platform.audioPlayers, platform.runLoop, platform.settings, platform.device,
                         platform.bundle, platform.log}),
       calibration_(*this, {platform.settings, platform.device, platform.bundle, platform.log}),
       tuningFork_(*this, platform.audioOutput),
+      hearing_(*this, {platform.settings, platform.bundle, platform.microphones},
+               fineHearingByDefault),
       tick_(*this, sensitivity_, feedback_, platform.runLoop, [this] { promptToReview(); }) {}
 
 void ViewController::viewDidLoad() {
@@ -38,6 +40,7 @@ void ViewController::viewDidLoad() {
     platform_.log.line("Demo mode ON. No sound detection available.");
     return;
   }
+  hearing_.begin();
   LumoListener::sharedListener()->listen();
   timer = platform_.runLoop.scheduleTimer(kTickSeconds, [this] { tickFree(); });
   displayAboutText();
@@ -60,20 +63,28 @@ void ViewController::viewWillAppear(bool /*animated*/) {
   tuningFork_.synthesizer().curTone = ToneSynthesizer::Square;
   timer = platform_.runLoop.scheduleTimer(kVolumeCheckSeconds, [this] { checkVolume(); });
   if (!demoModeEnabled_) setupAudio();
-  tuningFork_.curPlayState = TuningFork::Stopped;
+  tuningFork_.setPlayState(TuningFork::Stopped);
   prepareBeepSound();
   loadSettings(platform_.settings, platform_.log,
                {*this, *this, sensitivity_, feedback_, calibration_});
   calibration_.deriveFrequencies();
   displayChart();
   localizeSettings();
+  hearing_.appear(stringReferences());
+}
+
+void ViewController::returnToMainScreen() {
+  stopFreqPlay();
+  viewWillAppear(true);
 }
 
 void ViewController::tickFree() {
   LumoListener& listener = *LumoListener::sharedListener();
   lastReading_.power = listener.averagePower();
-  lastReading_.frequency = listener.frequency();
-  tick_.run(lastReading_, stringReferences());
+  lastReading_.fine = hearing_.fineHearing();
+  lastReading_.frequency = lastReading_.fine ? listener.fineFrequency() : listener.frequency();
+  lastReading_.block = listener.newestBlock();
+  hearing_.tick(lastReading_, sensitivity_, tick_.run(lastReading_, stringReferences()));
 }
 
 StringReferences ViewController::stringReferences() const {
@@ -98,6 +109,7 @@ void ViewController::choosePreset(std::int64_t a4InHz) {
     promptToReview();
     removeRings();
   });
+  hearing_.followCalibration(stringReferences());
   if (demoModeEnabled_) demoMode();
 }
 
@@ -108,6 +120,7 @@ void ViewController::setFrequencyValue(const Stepper& sender) {
 
 void ViewController::displayChart() {
   calibration_.displayChart();
+  hearing_.followCalibration(stringReferences());
   if (demoModeEnabled_) demoMode();
 }
 

@@ -10,6 +10,7 @@
 #include <functional>
 
 #include "app/AppOutlets.h"
+#include "app/HearingDisplay.h"
 #include "calibration/Calibration.h"
 #include "calibration/CalibrationOutlets.h"
 #include "calibration/TuningFork.h"
@@ -21,14 +22,19 @@
 
 namespace endpin {
 
-class ViewController : public TunerOutlets, public CalibrationOutlets, public AppOutlets {
+class ViewController : public TunerOutlets,
+                       public CalibrationOutlets,
+                       public AppOutlets,
+                       public HearingOutlets {
  public:
   // With demo mode the screen shows one string in tune, and there is no sound in either direction:
   // a choice of the build, see DemoMode.cpp.
   static const bool kDemoModeEnabled;
 
-  // `platform` outlives the controller.
-  explicit ViewController(Platform& platform, bool demoModeEnabled = kDemoModeEnabled);
+  // `platform` outlives the controller. Fine hearing is on by default where the face of the
+  // application runs on small microphones, until the user chooses.
+  explicit ViewController(Platform& platform, bool demoModeEnabled = kDemoModeEnabled,
+                          bool fineHearingByDefault = false);
   ViewController(const ViewController&) = delete;
   ViewController& operator=(const ViewController&) = delete;
 
@@ -78,6 +84,16 @@ class ViewController : public TunerOutlets, public CalibrationOutlets, public Ap
   void playC2() { playString(4); }
   void stopFreqPlay() { tuningFork_.stopFreqPlay(); }
 
+  // Hearing: which microphone, and how finely.
+  void chooseMicrophone(const ChoiceList& sender) { hearing_.chooseMicrophone(sender); }
+  void toggleFineHearing(const Switch& sender) { hearing_.setFineHearing(sender.isOn()); }
+  void turnOnFineHearing() { hearing_.setFineHearing(true); }
+  // For this run only; nothing is kept.
+  void useFineHearing(bool on) { hearing_.useFineHearing(on); }
+
+  // What covered the main screen is gone, and the main screen appears again. No tone goes on.
+  void returnToMainScreen();
+
   // Texts, demonstration, rating.
   void localizeSettings();
   void displayAboutText();
@@ -113,6 +129,7 @@ class ViewController : public TunerOutlets, public CalibrationOutlets, public Ap
   TunedStringFeedback feedback_;
   Calibration calibration_;
   TuningFork tuningFork_;
+  HearingDisplay hearing_;
   DetectionTick tick_;
   Reading lastReading_;
   std::int64_t runCount_ = 0;  // appearances of the screen, as read when the rating is tried

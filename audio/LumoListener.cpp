@@ -102,7 +102,7 @@ void LumoListener::setupQueue() {
 }
 
 void LumoListener::setupFormat() {
-  estimatedBlock_ = kNoBlock;  // the rate counts too
+  estimated_ = fineEstimated_ = {};  // the rate counts too
   format = {.mSampleRate = kSampleRate,
             .mFormatID = kAudioFormatLinearPCM,
             .mFormatFlags = kAudioFormatFlagIsSignedInteger | kAudioFormatFlagIsPacked,
@@ -136,25 +136,45 @@ void LumoListener::setAudioBuffer(const std::int16_t* samples, std::uint32_t byt
   ++newestBlock_;
 }
 
-float LumoListener::frequency() {
+template <class Estimate>
+float LumoListener::estimateOnce(Estimated& kept, Estimate estimate) {
   std::array<std::int16_t, 8192> block;
   std::uint32_t byteLength = 0;
   std::uint64_t number = kNoBlock;
   {
     const std::lock_guard lock(instanceLock_);
     number = newestBlock_;
-    if (number == estimatedBlock_) return estimate_;
+    if (number == kept.block) return kept.hertz;
     std::copy_n(audio_data.begin(), kBlockBytes / sizeof(std::int16_t), block.begin());
     byteLength = audio_data_len;
   }
   if (byteLength == 0) return 0.0F;
-  estimate_ = getFreqFromBuffer(block.data(), byteLength);
-  estimatedBlock_ = number;
-  return estimate_;
+  const float hertz = estimate(block.data(), byteLength);
+  kept = {number, hertz};
+  return hertz;
+}
+
+float LumoListener::frequency() {
+  return estimateOnce(estimated_, [this](const std::int16_t* samples, std::uint32_t byteLength) {
+    return getFreqFromBuffer(samples, byteLength);
+  });
+}
+
+float LumoListener::fineFrequency() {
+  if (!fine_) fine_ = std::make_unique<FineEstimator>();
+  return estimateOnce(fineEstimated_,
+                      [this](const std::int16_t* samples, std::uint32_t byteLength) {
+                        return fine_->estimate(samples, byteLength);
+                      });
+}
+
+std::uint64_t LumoListener::newestBlock() const {
+  const std::lock_guard lock(instanceLock_);
+  return newestBlock_;
 }
 
 float LumoListener::getFreqFromBuffer(const std::int16_t* samples, std::uint32_t byteLength) {
-  estimatedBlock_ = kNoBlock;
+  estimated_.block = kNoBlock;
   return estimator_.getFreqFromBuffer(samples, byteLength, format.mSampleRate);
 }
 

@@ -12,6 +12,7 @@
 #include <mutex>
 #include <optional>
 
+#include "audio/FineEstimator.h"
 #include "audio/PitchEstimator.h"
 #include "ports/AudioInput.h"
 #include "ports/AudioSession.h"
@@ -28,7 +29,8 @@ class LumoListener {
     Log& log;
   };
 
-  static constexpr double kSampleRate = 7019.5;       // hertz: a bin of 0.2142181396484375 Hz
+  // Hertz: a bin of 0.2142181396484375 Hz.
+  static constexpr double kSampleRate = PitchEstimator::kSampleRate;
   static constexpr std::uint32_t kBlockBytes = 8192;  // 4096 samples, about 0.58 s
   static constexpr std::uint32_t kCaptureBuffers = 3;
 
@@ -84,6 +86,12 @@ class LumoListener {
   // Thread: main.
   float frequency();
 
+  // The same from the fine estimator; 0 also where there is no steady pitch. Thread: main.
+  float fineFrequency();
+
+  // Number of the newest block, counted from 1; 0 before the first one. Thread: any.
+  [[nodiscard]] std::uint64_t newestBlock() const;
+
   // The estimate and its steps, see PitchEstimator. Thread: main.
   float getFreqFromBuffer(const std::int16_t* samples, std::uint32_t byteLength);
   double* freq_db() { return estimator_.freq_db(); }
@@ -94,6 +102,14 @@ class LumoListener {
   ~LumoListener();
 
   static constexpr std::uint64_t kNoBlock = 0;
+
+  // An estimate and the block that it is of.
+  struct Estimated {
+    std::uint64_t block = kNoBlock;
+    float hertz = 0;
+  };
+  template <class Estimate>
+  float estimateOnce(Estimated& kept, Estimate estimate);
 
   static void listenerInputCallback(void* userData, AudioInputQueue* queue,
                                     AudioInputBuffer* buffer);
@@ -111,9 +127,10 @@ class LumoListener {
   std::uint32_t audio_data_len = 0;             // bytes; 0 until the first block
   std::uint64_t newestBlock_ = kNoBlock;        // numbers them
   PitchEstimator estimator_;
-  std::uint64_t estimatedBlock_ = kNoBlock;  // the one whose spectrum the estimator holds
-  float estimate_ = 0;                       // hertz, of that block
-  std::recursive_mutex instanceLock_;        // guards audio_data, audio_data_len, newestBlock_
+  Estimated estimated_;                  // of the block whose spectrum the estimator holds
+  std::unique_ptr<FineEstimator> fine_;  // from the first time that it is asked
+  Estimated fineEstimated_;
+  mutable std::recursive_mutex instanceLock_;  // guards audio_data, audio_data_len, newestBlock_
 };
 
 }  // namespace endpin

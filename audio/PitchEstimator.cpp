@@ -73,6 +73,16 @@ std::uint32_t PitchEstimator::findTopSpike() const {
   return static_cast<std::uint32_t>(spike - freq_db_harmonic_.begin());
 }
 
+std::vector<SpectrumBin> PitchEstimator::binsBetween(double lower, double upper) {
+  std::vector<SpectrumBin> bins;
+  for (std::uint32_t bin = 0; bin < kSpectrumLength; ++bin) {
+    const float frequency = frequencyOfBin(bin, kSampleRate);
+    const auto hertz = static_cast<double>(frequency);
+    if (lower <= hertz && hertz <= upper) bins.push_back({bin, frequency});
+  }
+  return bins;
+}
+
 double PitchEstimator::hamming_window(std::int16_t n, std::int16_t total) {
   constexpr double kTwoPi = 6.283185308;  // ten digits, kept as they are
   const auto last = static_cast<double>(std::int32_t{total} - 1);

@@ -8,11 +8,19 @@
 
 #include <array>
 #include <cstdint>
+#include <vector>
 
 namespace endpin {
 
+// A bin of the spectrum and its frequency in hertz, as the estimate reports it.
+struct SpectrumBin {
+  std::uint32_t number;
+  float frequency;
+};
+
 class PitchEstimator {
  public:
+  static constexpr double kSampleRate = 7019.5;                         // hertz, of captured blocks
   static constexpr std::uint32_t kTransformSize = 32768;                // points
   static constexpr std::uint32_t kSpectrumLength = kTransformSize / 2;  // bins; Nyquist is left out
 
@@ -45,6 +53,10 @@ class PitchEstimator {
 
   // The frequency of a bin as the estimate reports it.
   [[nodiscard]] static float frequencyOfBin(std::uint32_t bin, double sampleRate);
+
+  // The bins whose frequency lies from `lower` to `upper` hertz, both included, from the lowest: no
+  // captured block is ever estimated to anything between two bins.
+  [[nodiscard]] static std::vector<SpectrumBin> binsBetween(double lower, double upper);
 
  private:
   std::array<float, kTransformSize> in_fft{};

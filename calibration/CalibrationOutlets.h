@@ -32,6 +32,7 @@ struct CalibrationOutlets {
   Button d3TFButton;
   Button g2TFButton;
   Button c2TFButton;
+  Button stopTFButton{false};  // while a tone sounds
   Label tfnoteDisplay;
   Label tfFreqLabel;
   Button tuningForkButton;    // leads to the tuning fork

@@ -32,18 +32,23 @@ void TuningFork::setupAudio() {
   toneUnits_.push_back(std::move(unit));
 }
 
+void TuningFork::setPlayState(PlayState state) {
+  curPlayState = state;
+  outlets_.stopTFButton.setEnabled(state == Playing);
+}
+
 void TuningFork::play(int number, double frequency, bool audible) {
   outlets_.tfnoteDisplay.setText(kStringNotes[static_cast<std::size_t>(number - 1)]);
   outlets_.tfFreqLabel.setText(fmt::format("{:.1f}Hz", frequency));
   synthesizer_.toneFrequency = static_cast<float>(frequency);
   if (!audible) return;
-  curPlayState = Playing;
+  setPlayState(Playing);
   if (!toneUnits_.empty()) toneUnits_.back()->start();
 }
 
 void TuningFork::stopFreqPlay() {
   if (curPlayState != Playing) return;
-  curPlayState = Stopped;
+  setPlayState(Stopped);
   if (!toneUnits_.empty()) toneUnits_.back()->stop();
 }
 

@@ -32,6 +32,9 @@ class TuningFork {
 
   ToneSynthesizer& synthesizer() { return synthesizer_; }
 
+  // Playing or Stopped; the way to stop is open while it plays.
+  void setPlayState(PlayState state);
+
   std::int64_t curPlayState = Stopped;
 
  private:

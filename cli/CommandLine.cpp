@@ -105,6 +105,7 @@ void addListen(CLI::App& app, Arguments& into) {
                    "Calibration in whole hertz, for this run; the settings are left alone")
       ->excludes(store->type_name("PATH"));
   listen->add_flag("--json", options.json, "Print a JSON object for each tick");
+  listen->add_flag("--fine", options.fine, "Listen with fine hearing");
   listen->add_flag("--verbose", options.verbose, "Write the log to standard error");
   device->excludes(input);
 }

@@ -20,6 +20,7 @@ struct ListenOptions {
   std::string recording;        // sound file to listen to when there is no microphone; may be empty
   bool listInputs = false;      // lists the microphones, and nothing else
   bool json = false;            // one JSON object a tick
+  bool fine = false;            // with fine hearing, whatever was saved
   bool verbose = false;         // the platform log goes to standard error
   std::filesystem::path store;  // the settings; empty: in memory only
   std::optional<std::int64_t> a4;  // hertz, as if saved in an earlier run; then in memory only

@@ -2,12 +2,8 @@
 // ProgramError. Thread: main.
 #pragma once
 
-#include <cstdint>
-#include <vector>
-
 #include "cli/CommandLine.h"
 #include "cli/Printing.h"
-#include "tuner/StringRecognition.h"
 
 namespace endpin {
 
@@ -22,13 +18,5 @@ int runFrequencies(const FrequenciesOptions& options, Output& output);
 // `tone`: a reference tone as a sound file, sample by sample what the tuning fork plays. A file
 // that cannot be finished is not left behind.
 int runTone(const ToneOptions& options);
-
-struct SpectrumBin {
-  std::uint32_t number;
-  float frequency;  // hertz, as the estimate reports it
-};
-
-// The bins whose frequency lies inside the band, from the lowest.
-[[nodiscard]] std::vector<SpectrumBin> binsInside(const Band& band);
 
 }  // namespace endpin

@@ -4,8 +4,9 @@
 
 #include <nlohmann/json.hpp>
 
-#include "audio/LumoListener.h"
+#include "audio/PitchEstimator.h"
 #include "calibration/StringFrequencies.h"
+#include "tuner/StringRecognition.h"
 
 namespace endpin {
 namespace {
@@ -24,7 +25,8 @@ std::vector<StringTable> tables(std::int64_t a4) {
   for (const double reference : stringFrequencies(a4)) {
     const Band band = bandOf(number, {reference, reference});
     const char* note = kStringNotes[static_cast<std::size_t>(number - 1)];
-    rows.push_back({number, note, reference, band, binsInside(band)});
+    rows.push_back(
+        {number, note, reference, band, PitchEstimator::binsBetween(band.lower, band.upper)});
     ++number;
   }
   return rows;
@@ -70,15 +72,6 @@ std::string plainText(std::int64_t a4) {
 }
 
 }  // namespace
-
-std::vector<SpectrumBin> binsInside(const Band& band) {
-  std::vector<SpectrumBin> bins;
-  for (std::uint32_t bin = 0; bin < PitchEstimator::kSpectrumLength; ++bin) {
-    const float frequency = PitchEstimator::frequencyOfBin(bin, LumoListener::kSampleRate);
-    if (band.contains(static_cast<double>(frequency))) bins.push_back({bin, frequency});
-  }
-  return bins;
-}
 
 int runFrequencies(const FrequenciesOptions& options, Output& output) {
   output.write(options.json ? jsonText(options.a4) : plainText(options.a4));

@@ -46,7 +46,11 @@ void listenToFile(const ListenContext& context, const std::string& path, bool re
   CapturedSound sound = openInputFile(path);
   VirtualRunLoop runLoop;
   FileMicrophone microphone(sound, runLoop);
-  Session session({microphone, runLoop, context.settings, context.log});
+  Session session({.microphone = microphone,
+                   .runLoop = runLoop,
+                   .settings = context.settings,
+                   .log = context.log,
+                   .fine = context.options.fine});
   const auto printer = makeTickPrinter(context.output, context.options.json, realtime);
 
   session.start();
@@ -124,7 +128,12 @@ void listenToMicrophone(const ListenContext& context) {
   MainRunLoop runLoop;
   CubebMicrophone microphone(context.options.inputDevice, context.log);
   CubebPlayers speaker;
-  Session session({microphone, runLoop, context.settings, context.log, &speaker});
+  Session session({.microphone = microphone,
+                   .runLoop = runLoop,
+                   .settings = context.settings,
+                   .log = context.log,
+                   .fine = context.options.fine,
+                   .players = &speaker});
   LiveView view(context, microphone, session);
   session.start();
   // Made after the application's own timers, so that it runs right after each tick.

@@ -16,7 +16,13 @@ Session::Session(const Parts& parts)
                 .device = device_,
                 .bundle = bundle_,
                 .log = parts.log},
-      application_(platform_) {}
+      application_(platform_),
+      fine_(parts.fine) {}
+
+void Session::start() {
+  application_.launch();
+  if (fine_) application_.controller().useFineHearing(true);
+}
 
 void saveEarlierRun(SettingsStore& settings, std::int64_t a4) {
   writeFirstLaunchDefaults(settings);

@@ -20,6 +20,7 @@ class Session {
     RunLoop& runLoop;
     SettingsStore& settings;
     Log& log;
+    bool fine = false;                // fine hearing, whatever the settings say
     AudioPlayers* players = nullptr;  // what the beep sounds through; none: it does not
   };
 
@@ -27,7 +28,7 @@ class Session {
   explicit Session(const Parts& parts);
 
   // The screen loads and appears: listening and ticks begin.
-  void start() { application_.launch(); }
+  void start();
 
   [[nodiscard]] const ViewController& controller() const { return application_.controller(); }
   [[nodiscard]] std::uint64_t beeps() const { return players_.plays(); }
@@ -40,6 +41,7 @@ class Session {
   FileBundle bundle_;
   Platform platform_;
   Application application_;
+  const bool fine_;
 };
 
 // Fills an empty store as an earlier run with this calibration (whole hertz) has left it.

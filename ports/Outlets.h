@@ -22,7 +22,17 @@ struct ViewAnimation {
   bool operator==(const ViewAnimation&) const = default;
 };
 
-enum class ViewKind { Label, ImageView, Button, Switch, Slider, Stepper, PickerView };
+enum class ViewKind {
+  Label,
+  ImageView,
+  Button,
+  Switch,
+  Slider,
+  Stepper,
+  PickerView,
+  Meter,
+  ChoiceList
+};
 
 // What a property of an element holds: a flag, a number or a text.
 using ViewValue = std::variant<bool, double, std::string>;
@@ -122,7 +132,7 @@ class ImageView : public View {
 
 class Button : public View {
  public:
-  Button() : View(ViewKind::Button, false) {}
+  explicit Button(bool enabled = true) : View(ViewKind::Button, false), enabled_(enabled) {}
   [[nodiscard]] bool enabled() const { return seen(enabled_); }
   [[nodiscard]] const std::string& backgroundImage() const { return seen(backgroundImage_); }
   void setEnabled(bool enabled) { set(enabled_, enabled); }
@@ -130,7 +140,7 @@ class Button : public View {
   void setBackgroundImage(std::string name) { set(backgroundImage_, std::move(name)); }
 
  private:
-  bool enabled_ = true;
+  bool enabled_;
   std::string backgroundImage_;
 };
 
@@ -166,6 +176,32 @@ class Slider : public ValueControl {
 class Stepper : public ValueControl {
  public:
   explicit Stepper(double value = 0) : ValueControl(ViewKind::Stepper, value) {}
+};
+
+// Shows how much there is of something, in whole steps from 0.
+class Meter : public View {
+ public:
+  Meter() : View(ViewKind::Meter, false) {}
+  [[nodiscard]] double level() const { return seen(level_); }
+  void setLevel(double level) { set(level_, level); }
+
+ private:
+  double level_ = 0;
+};
+
+// One of several, each a line: what it is called and, after a tab, what is to be said of it. The
+// screen writes which one the user chose before it calls the action.
+class ChoiceList : public View {
+ public:
+  explicit ChoiceList() : View(ViewKind::ChoiceList, false) {}
+  [[nodiscard]] const std::string& choices() const { return seen(choices_); }
+  [[nodiscard]] double chosen() const { return seen(chosen_); }  // 0 is the first line
+  void setChoices(std::string lines) { set(choices_, std::move(lines)); }
+  void setChosen(double line) { set(chosen_, line); }
+
+ private:
+  std::string choices_;
+  double chosen_ = 0;
 };
 
 // Chooses a row. Nothing drives it.

@@ -9,6 +9,7 @@
 #include "ports/Bundle.h"
 #include "ports/Device.h"
 #include "ports/Log.h"
+#include "ports/Microphones.h"
 #include "ports/RunLoop.h"
 #include "ports/SettingsStore.h"
 
@@ -24,6 +25,8 @@ struct Platform {
   Device& device;
   Bundle& bundle;
   Log& log;
+
+  Microphones* microphones = nullptr;  // none: the platform cannot tell of them
 };
 
 }  // namespace endpin

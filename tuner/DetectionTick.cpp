@@ -26,33 +26,58 @@ DetectionTick::DetectionTick(TunerOutlets& outlets, const Sensitivity& sensitivi
       runLoop_(runLoop),
       promptToReview_(std::move(promptToReview)) {}
 
-void DetectionTick::run(const Reading& reading, const StringReferences& references) {
-  switch (sensitivity_.judge(reading.power, reading.frequency)) {
+Judgement DetectionTick::run(const Reading& reading, const StringReferences& references) {
+  Judgement judged{.gate = sensitivity_.judge(reading.power, reading.frequency)};
+  switch (judged.gate) {
     case Sensitivity::Gate::Clear:
       clearDisplay();
-      return;
+      judged.letGo = true;
+      break;
     case Sensitivity::Gate::Hold:
-      return;
+      break;
     case Sensitivity::Gate::Detect:
-      outlets_.freq_label.setText(hertzText(static_cast<double>(reading.frequency)));
-      lastMeasuredFrequency_ = static_cast<double>(reading.frequency);
-      recognise(reading.frequency, references);
+      judged.string = recognise(reading, references);
+      judged.letGo = judged.string == 0 && reading.fine && letsGo(reading);
+      if (judged.letGo) showNothingInTune();
   }
+  return judged;
 }
 
 void DetectionTick::clearDisplay() {
+  missedBlocks_ = 0;
   outlets_.freq_label.setText("");
   outlets_.noteDisplay.setText("");
+  showNothingInTune();
+}
+
+void DetectionTick::showNothingInTune() {
   outlets_.setTunedStringsHidden(true);
   outlets_.setLamp("yellow64.png", "yellow128.png");
 }
 
-void DetectionTick::recognise(float frequency, const StringReferences& references) {
-  if (const int number = matchingString(static_cast<double>(frequency), references)) {
-    showInTune(number, references[static_cast<std::size_t>(number - 1)]);
+// The fine estimator has no pitch for noise and for a change of bow: what was read before stays.
+int DetectionTick::recognise(const Reading& reading, const StringReferences& references) {
+  const auto frequency = static_cast<double>(reading.frequency);
+  const bool pitch = !reading.fine || reading.frequency != 0;
+  if (pitch) outlets_.freq_label.setText(hertzText(frequency));
+  lastMeasuredFrequency_ = frequency;
+  const int number = matchingString(frequency, references);
+  if (number == 0) {
+    showNoString(reading.frequency);
   } else {
-    showNoString(frequency);
+    missedBlocks_ = 0;
+    showInTune(number, references[static_cast<std::size_t>(number - 1)]);
   }
+  return number;
+}
+
+// The default ear keeps the lamp until there is silence; the fine one is so sure of what it hears
+// that two blocks in a row, a second, are enough to let a string go. A single one is not: a change
+// of bow spoils it.
+bool DetectionTick::letsGo(const Reading& reading) {
+  constexpr int kBlocks = 2;
+  if (std::exchange(missedBlock_, reading.block) != reading.block) ++missedBlocks_;
+  return missedBlocks_ >= kBlocks;
 }
 
 // The read-out snaps to the reference: whatever lies inside the band reads the same.

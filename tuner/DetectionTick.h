@@ -3,6 +3,7 @@
 // judges it. Called ten times a second by the screen controller. Thread: main.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -14,10 +15,19 @@
 
 namespace endpin {
 
-// What the listener said at one tick: linear level (0 to 1) and hertz.
+// What the listener said at one tick.
 struct Reading {
-  float power = 0;
-  float frequency = 0;
+  float power = 0;          // linear level, 0 to 1
+  float frequency = 0;      // hertz
+  bool fine = false;        // read by the fine estimator, for which 0 is no steady pitch
+  std::uint64_t block = 0;  // number of the block that was read
+};
+
+// What became of it.
+struct Judgement {
+  Sensitivity::Gate gate = Sensitivity::Gate::Clear;
+  int string = 0;      // in tune, 1 to 4; 0: none
+  bool letGo = false;  // no string is shown as in tune any more
 };
 
 class DetectionTick {
@@ -28,13 +38,15 @@ class DetectionTick {
                 TunedStringFeedback& feedback, RunLoop& runLoop,
                 std::function<void()> promptToReview);
 
-  void run(const Reading& reading, const StringReferences& references);
+  Judgement run(const Reading& reading, const StringReferences& references);
 
   [[nodiscard]] double lastMeasuredFrequency() const { return lastMeasuredFrequency_; }
 
  private:
   void clearDisplay();
-  void recognise(float frequency, const StringReferences& references);
+  int recognise(const Reading& reading, const StringReferences& references);
+  bool letsGo(const Reading& reading);
+  void showNothingInTune();
   void showInTune(int number, const StringReference& reference);
   void showNoString(float frequency);
 
@@ -45,7 +57,9 @@ class DetectionTick {
   std::function<void()> promptToReview_;
 
   double lastMeasuredFrequency_ = 0;  // hertz, of the last tick that was judged; nothing reads it
-  std::string lastTunedNoteName_;     // of the last match; a new calibration does not clear them
+  std::uint64_t missedBlock_ = 0;     // the last one that matched no string, and how many in a row
+  int missedBlocks_ = 0;
+  std::string lastTunedNoteName_;  // of the last match; a new calibration does not clear them
   std::string lastTunedFrequencyText_;
 };
 

@@ -182,6 +182,17 @@ struct FakeBundle final : Bundle {
   std::set<std::string, std::less<>> missing;
 };
 
+struct FakeMicrophones final : Microphones {
+  HearingTrouble trouble() const override { return now; }
+  std::string nameInUse() const override { return inUse; }
+  std::vector<Microphone> connected() const override { return all; }
+  void use(const std::string& id) override { used.push_back(id); }
+  HearingTrouble now = HearingTrouble::None;
+  std::string inUse = "Built-in";
+  std::vector<Microphone> all = {{"in", "Built-in"}, {"usb", "Clip"}};
+  std::vector<std::string> used;
+};
+
 struct FakePlatform {
   FakeAudioInput input;
   FakeSession session;
@@ -192,7 +203,17 @@ struct FakePlatform {
   FakeDevice device;
   FakeBundle bundle;
   FakeLog log;
-  Platform platform{input, session, players, output, runLoop, settings, device, bundle, log};
+  FakeMicrophones microphones;
+  Platform platform{.audioInput = input,
+                    .audioSession = session,
+                    .audioPlayers = players,
+                    .audioOutput = output,
+                    .runLoop = runLoop,
+                    .settings = settings,
+                    .device = device,
+                    .bundle = bundle,
+                    .log = log,
+                    .microphones = &microphones};
 };
 
 }  // namespace endpin::fakes
