@@ -1,7 +1,6 @@
 #include "rating/StorePage.h"
 
-#include <charconv>
-
+#include "ports/TypedStore.h"
 #include "rating/StoreConfiguration.h"
 
 namespace endpin {
@@ -24,13 +23,6 @@ constexpr Template kTemplates[] = {
      "/WebObjects/MZStore.woa/wa/viewContentsUserReviews?id=APP_ID&onlyLatestVersion=true"
      "&pageNumber=0&sortOrdering=1&type=Purple+Software"},
 };
-
-template <class Number>
-Number leadingNumber(std::string_view text) {
-  Number number = 0;
-  std::from_chars(text.data(), text.data() + text.size(), number);
-  return number;
-}
 
 }  // namespace
 

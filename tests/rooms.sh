@@ -6,7 +6,7 @@ cd "$(dirname "$0")/.."
 
 # room: what it may include, as a pattern
 rows=(
-  'ports        ports/'
+  'ports        ports/|fmt/'
   'audio        ports/|audio/|kissfft/'
   'tuner        ports/|tuner/|fmt/'
   'calibration  ports/|calibration/|fmt/'

@@ -6,7 +6,7 @@
 #include <mutex>
 #include <string>
 
-#include "adapters/settings/TypedStore.h"
+#include "ports/TypedStore.h"
 
 namespace endpin {
 

@@ -187,9 +187,10 @@ SettingsFile::Result SettingsFile::execute(const char* sql) {
   return sqlite3_exec(database_, sql, nullptr, nullptr, nullptr);
 }
 
-// The log belongs to the file and goes with it, so that nothing is lost that could still be saved
-// by hand; the index of the log is made anew.
+// The log belongs to the file and goes with it as it is, not carried over into what is damaged:
+// nothing is lost that could still be saved by hand. The index of the log is made anew.
 bool SettingsFile::setAside(Result why) {
+  sqlite3_db_config(database_, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
   close();
   const std::string stamp = fmt::format("{:%Y%m%dT%H%M%SZ}", fmt::gmtime(std::time(nullptr)));
   fs::path kept;
@@ -202,7 +203,9 @@ bool SettingsFile::setAside(Result why) {
   fs::rename(path_, kept, failed);
   if (failed) return false;
   std::error_code ignored;
-  fs::rename(path_.string() + "-wal", kept.string() + "-wal", ignored);
+  const fs::path log = path_.string() + "-wal";
+  if (fs::is_empty(log, ignored)) fs::remove(log, ignored);  // made by opening the file
+  fs::rename(log, kept.string() + "-wal", ignored);
   fs::remove(path_.string() + "-shm", ignored);
   say(fmt::format("are damaged ({}); the file is kept as {}, and the defaults are used",
                   sqlite3_errstr(why), kept.filename().string()));

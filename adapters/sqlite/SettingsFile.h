@@ -14,8 +14,8 @@
 #include <optional>
 #include <string>
 
-#include "adapters/settings/SettingValue.h"
 #include "ports/Log.h"
+#include "ports/TypedStore.h"
 
 struct sqlite3;
 struct sqlite3_stmt;

@@ -8,8 +8,8 @@
 #include <mutex>
 #include <set>
 
-#include "adapters/settings/TypedStore.h"
 #include "adapters/sqlite/SettingsFile.h"
+#include "ports/TypedStore.h"
 
 namespace endpin {
 

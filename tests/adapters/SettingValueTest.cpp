@@ -1,4 +1,4 @@
-#include "adapters/settings/SettingValue.h"
+#include "ports/TypedStore.h"
 
 #include <gtest/gtest.h>
 

@@ -276,8 +276,8 @@ TEST_F(RatingTest, StorePageBySystemVersion) {
                                kStoreHost + reviews +
                                    "id=4711&onlyLatestVersion=true&pageNumber=0&sortOrdering=1"
                                    "&type=Purple+Software"};
-  const std::pair<const char*, int> rows[] = {{"", 0},    {"6.9.9", 0}, {"7.0", 1},
-                                              {"7.9", 1}, {"8.0", 2},   {"12", 2}};
+  const std::pair<const char*, int> rows[] = {{"", 0},    {"6.9.9", 0}, {"7.0", 1}, {"7.9", 1},
+                                              {"8.0", 2}, {"12", 2},    {" +8", 2}, {"1e99", 2}};
   for (const auto& [version, page] : rows) {
     world.device.version = version;
     use(World::kModern | World::kSheet);

@@ -1,5 +1,6 @@
 // The settings store, alone and in programs that are killed, run out of disk or may not write.
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -171,6 +172,27 @@ TEST_F(SettingsTest, GoOnInMemoryOnAFullDisk) {
   EXPECT_EQ(store.stringForKey("large19").value_or("").size(), 8192U);
 }
 
+// A refusal in the midst of a change leaves the file to others and takes none of the change.
+TEST_F(SettingsTest, ARefusedChangeIsTakenBackWhole) {
+  SqliteStore store(path, log);
+  sqlite3* other = nullptr;
+  ASSERT_EQ(sqlite3_open(path.c_str(), &other), SQLITE_OK);
+  const auto execute = [&](const char* sql) {
+    return sqlite3_exec(other, sql, nullptr, nullptr, nullptr);
+  };
+  EXPECT_EQ(execute("CREATE TRIGGER refusal BEFORE INSERT ON settings WHEN NEW.key = 'b' "
+                    "BEGIN SELECT RAISE(ABORT, 'no'); END"),
+            SQLITE_OK);
+  for (const char* key : {"a", "b"}) store.setInteger(key, 1);
+  store.synchronize();
+  EXPECT_EQ(SqliteStore(path, log).integerForKey("a"), 0);
+  EXPECT_EQ(execute("DROP TRIGGER refusal"), SQLITE_OK) << "the file is still held";
+  sqlite3_close(other);
+  store.synchronize();
+  EXPECT_EQ(SqliteStore(path, log).integerForKey("b"), 1);
+  EXPECT_EQ(log.lines.size(), 2U) << "refused, and written again";
+}
+
 TEST_F(SettingsTest, ReadAndGoOnInMemoryWhereTheyMayNotWrite) {
   SqliteStore(path, log).setInteger("counter", 41);
   chmod(path.c_str(), 0444);
@@ -233,6 +255,30 @@ TEST_F(SettingsTest, DamagedFilesAreKeptAside) {
     EXPECT_EQ(kept, 1);
     EXPECT_EQ(SqliteStore(path, log).integerForKey("counter"), 6);
   }
+}
+
+// What a program that was killed had not carried over yet stands in the log.
+TEST_F(SettingsTest, TheLogOfADamagedFileIsKeptBesideIt) {
+  SqliteStore(path, log).setInteger("counter", 5);
+  const auto write = [&] {
+    SqliteStore store(path, log);
+    store.setInteger("counter", 6);
+    store.synchronize();
+    exitWith(log);
+  };
+  EXPECT_EXIT(write(), ExitedWithCode(0), "");
+  const auto size = fs::file_size(path + "-wal");
+  ASSERT_GT(size, 0U);
+  std::fstream(path, std::ios::binary | std::ios::in | std::ios::out) << std::string(4096, 'x');
+  EXPECT_EQ(SqliteStore(path, log).integerForKey("counter"), 0);
+  for (const auto& file : fs::directory_iterator(folder.path())) {
+    const std::string name = file.path().filename();
+    if (name.find(".corrupt-") != name.npos && name.ends_with("-wal")) {
+      EXPECT_EQ(file.file_size(), size);
+      return;
+    }
+  }
+  FAIL() << "no log is kept";
 }
 
 TEST_F(SettingsTest, ThreadsWriteAndReadAtOnce) {

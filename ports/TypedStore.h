@@ -1,5 +1,6 @@
-// A typed value of the settings and how it reads as another type. Shared by the stores.
-// Thread: any.
+// What a settings store keeps, and how each value reads as another type: a part of what
+// SettingsStore.h promises that is the same for every store. A store of a platform derives from
+// TypedStore and says how a value is found and set. Thread: any, if finding and setting are.
 #pragma once
 
 #include <fmt/format.h>
@@ -12,6 +13,8 @@
 #include <string>
 #include <string_view>
 #include <variant>
+
+#include "ports/SettingsStore.h"
 
 namespace endpin {
 
@@ -26,16 +29,20 @@ inline std::string_view withoutLeadingSpace(std::string_view text) {
   return text;
 }
 
+}  // namespace setting_detail
+
 // The number that `text` begins with; the nearest one that fits; 0 when there is none.
 template <class Number>
 Number leadingNumber(std::string_view text) {
-  text = withoutLeadingSpace(text);
+  text = setting_detail::withoutLeadingSpace(text);
   Number number = 0;
   const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
   if (result.ec != std::errc::result_out_of_range) return number;
   using Limits = std::numeric_limits<Number>;
   return text.starts_with('-') ? Limits::lowest() : Limits::max();
 }
+
+namespace setting_detail {
 
 // Toward zero, to the nearest that fits; not a number is 0.
 inline std::int64_t truncated(double value) {
@@ -101,5 +108,34 @@ inline std::string asString(const SettingValue& value) {
                                [](const std::string& text) { return text; }},
                     value);
 }
+
+class TypedStore : public SettingsStore {
+ public:
+  [[nodiscard]] std::int64_t integerForKey(std::string_view key) const final {
+    return asInteger(find(key).value_or(std::int64_t{0}));
+  }
+  [[nodiscard]] bool boolForKey(std::string_view key) const final {
+    return asBool(find(key).value_or(false));
+  }
+  [[nodiscard]] double doubleForKey(std::string_view key) const final {
+    return asDouble(find(key).value_or(0.0));
+  }
+  [[nodiscard]] std::optional<std::string> stringForKey(std::string_view key) const final {
+    const auto value = find(key);
+    if (!value) return {};
+    return asString(*value);
+  }
+
+  void setInteger(std::string_view key, std::int64_t value) final { set(key, value); }
+  void setBool(std::string_view key, bool value) final { set(key, value); }
+  void setDouble(std::string_view key, double value) final { set(key, value); }
+  void setString(std::string_view key, std::string_view value) final {
+    set(key, std::string(value));
+  }
+
+ private:
+  [[nodiscard]] virtual std::optional<SettingValue> find(std::string_view key) const = 0;
+  virtual void set(std::string_view key, SettingValue value) = 0;
+};
 
 }  // namespace endpin
