@@ -4,7 +4,6 @@
 
 #include "app/LayoutTable.h"
 #include "rating/RatingPrompt.h"
-#include "rating/StoreConfiguration.h"
 
 namespace endpin {
 namespace {

@@ -9,7 +9,7 @@
 #include "app/SettingsRestore.h"
 #include "audio/LumoListener.h"
 #include "calibration/StringFrequencies.h"
-#include "rating/PromptToReview.h"
+#include "rating/RatingPrompt.h"
 #include "tuner/VolumeWarning.h"
 
 namespace endpin {

@@ -5,7 +5,6 @@
 #include "adapters/rating/DesktopUrlOpener.h"
 #include "adapters/rating/DialogScreen.h"
 #include "adapters/rating/HttpProbes.h"
-#include "adapters/rating/NoResourceBundles.h"
 #include "adapters/rating/RouteReachability.h"
 #include "adapters/rating/SystemClock.h"
 #include "adapters/rating/ThreadQueues.h"
@@ -30,7 +29,6 @@ class Rating {
                                .log = platform.log,
                                .device = platform.device,
                                .notifications = activation_,
-                               .resourceBundles = resourceBundles_,
                                .windows = screen_,
                                .urlOpener = urlOpener_,
                                .modernAlerts = &screen_});
@@ -44,7 +42,6 @@ class Rating {
   RouteReachability reachability_;
   HttpProbes probes_;
   ActivationWatch activation_;
-  NoResourceBundles resourceBundles_;
   DialogScreen screen_;
   DesktopUrlOpener urlOpener_;
   ThreadQueues workQueues_;  // last: what they still run uses the rest

@@ -7,7 +7,7 @@
 #include "adapters/offline/MemoryStore.h"
 #include "fuzz/Fuzzing.h"
 #include "fuzz/TunerOnFakes.h"
-#include "rating/UsageBook.h"
+#include "rating/UsageTracker.h"
 
 namespace endpin::fuzzing {
 namespace {
@@ -22,12 +22,12 @@ constexpr std::array<const char*, 16> kKeys = {"NewFirstLaunchCello",
                                                "stringSoundsEnabled",
                                                "frequencyChartEnabled",
                                                "currentlyUsingTuningFork",
-                                               UsageBook::kCurrentVersion,
-                                               UsageBook::kFirstUseDate,
-                                               UsageBook::kUseCount,
-                                               UsageBook::kSignificantEventCount,
-                                               UsageBook::kRatedCurrentVersion,
-                                               UsageBook::kReminderRequestDate};
+                                               UsageTracker::kCurrentVersion,
+                                               UsageTracker::kFirstUseDate,
+                                               UsageTracker::kUseCount,
+                                               UsageTracker::kSignificantEventCount,
+                                               UsageTracker::kRatedCurrentVersion,
+                                               UsageTracker::kReminderRequestDate};
 
 class FixedClock final : public Clock {
  public:
@@ -71,7 +71,7 @@ void use(SettingsStore& store) {
   TunerOnFakes tuner(store);
   tuner.controller.tickFree();
   const FixedClock clock;
-  UsageBook book({store, tuner.fake.bundle, clock, tuner.fake.log});
+  UsageTracker book({store, tuner.fake.bundle, clock, tuner.fake.log});
   book.incrementUseCount(true);
   book.incrementSignificantEventCount(true);
   static_cast<void>(book.conditionsHaveBeenMet({}));

@@ -9,7 +9,7 @@
 #include "app/Localisation.h"
 #include "calibration/TemperamentName.h"
 #include "fuzz/Fuzzing.h"
-#include "rating/AlertTexts.h"
+#include "rating/RatingAlert.h"
 #include "tests/fakes/FakePlatform.h"
 #include "tests/support/TempDirectory.h"
 

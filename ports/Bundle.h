@@ -1,5 +1,5 @@
-// The application's own resources: files, texts in the user's language, facts about the build.
-// Called by the application shell and the rating prompt. Thread: any.
+// The application's own resources: files, texts in the user's language, facts about the build; and
+// bundles inside them. Called by the application shell and the rating prompt. Thread: any.
 #pragma once
 
 #include <optional>
@@ -25,6 +25,17 @@ class Bundle {
   [[nodiscard]] virtual std::optional<std::string> infoValue(std::string_view key) const = 0;
   [[nodiscard]] virtual std::optional<std::string> localizedInfoValue(
       std::string_view key) const = 0;
+};
+
+// Thread: main.
+class ResourceBundles {
+ public:
+  virtual ~ResourceBundles() = default;
+
+  // The resource NAME.EXTENSION of the application, opened as a bundle and owned by this port; null
+  // when there is none.
+  [[nodiscard]] virtual const Bundle* bundleForResource(std::string_view name,
+                                                        std::string_view extension) = 0;
 };
 
 }  // namespace endpin

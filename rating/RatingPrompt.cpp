@@ -1,10 +1,19 @@
 // The shared instance, its settings, counting and judging.
 #include "rating/RatingPrompt.h"
 
-#include "rating/Connectivity.h"
-#include "rating/StorePage.h"
+#include "ports/TypedStore.h"
 
 namespace endpin {
+namespace {
+
+constexpr std::uint32_t kReachableMask = kReachabilityReachable | kReachabilityConnectionRequired;
+
+bool hasWay(std::uint32_t flags) {
+  return (flags & kReachableMask) == kReachabilityReachable ||
+         (flags & kReachabilityTransientConnection) != 0;
+}
+
+}  // namespace
 
 // What the class itself keeps. Never destroyed: work in the background may ask for it until the
 // process is gone.
@@ -53,9 +62,9 @@ void RatingPrompt::releaseSharedInstance() {
 }
 
 RatingPrompt::RatingPrompt(const RatingPlatform& platform)
-    : openInAppStore(floatValue(platform.device.systemVersion()) >= 7.0F),
+    : openInAppStore(leadingNumber<float>(platform.device.systemVersion()) >= 7.0F),
       platform_(platform),
-      book_({platform.settings, platform.mainBundle, platform.clock, platform.log}),
+      tracker_({platform.settings, platform.mainBundle, platform.clock, platform.log}),
       eventQueue_(platform.workQueues.newOperationQueue()) {
   eventQueue_->setMaxConcurrentOperationCount(1);
   resignObserver_ = platform.notifications.addWillResignActiveObserver(&appWillResignActive);
@@ -175,7 +184,7 @@ void RatingPrompt::queueRatingAlert() {
 }
 
 bool RatingPrompt::ratingConditionsHaveBeenMet() const {
-  return book_.conditionsHaveBeenMet(settings());
+  return tracker_.conditionsHaveBeenMet(settings());
 }
 
 bool RatingPrompt::ratingAlertIsAppropriate() const {
@@ -183,8 +192,22 @@ bool RatingPrompt::ratingAlertIsAppropriate() const {
          !userHasRatedCurrentVersion();
 }
 
+// The probe goes out even when there is no way: it may wake the network up for the next time.
 bool RatingPrompt::connectedToNetwork() const {
-  return endpin::connectedToNetwork(platform_.reachability, platform_.probes, platform_.log);
+  const auto flags = platform_.reachability.flagsForAddress(SocketAddress{});
+  if (!flags) {
+    platform_.log.line("Error. Could not recover network reachability flags");
+    return false;
+  }
+  const auto state = platform_.probes.resume(ProbeRequest{.url = kProbeUrl});
+  return hasWay(*flags) && state != Probes::TaskState::Suspended;
+}
+
+void promptToReview(const SettingsStore& settings, std::int64_t& runCount) {
+  runCount = settings.integerForKey("numberOfRuns");
+  for (const std::int64_t runs : {3, 5, 7, 9}) {
+    if (runCount >= runs) RatingPrompt::tryToShowPrompt();
+  }
 }
 
 }  // namespace endpin

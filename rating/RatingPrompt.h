@@ -20,10 +20,9 @@
 #include <vector>
 
 #include "ports/RatingPlatform.h"
-#include "rating/AlertTexts.h"
-#include "rating/RatingPromptDelegate.h"
+#include "rating/RatingAlert.h"
 #include "rating/RatingSettings.h"
-#include "rating/UsageBook.h"
+#include "rating/UsageTracker.h"
 
 namespace endpin {
 
@@ -100,8 +99,10 @@ class RatingPrompt : public std::enable_shared_from_this<RatingPrompt> {
 
   // --- Counting and judging. Thread: any.
 
-  void incrementUseCount() { book_.incrementUseCount(settings().debug); }
-  void incrementSignificantEventCount() { book_.incrementSignificantEventCount(settings().debug); }
+  void incrementUseCount() { tracker_.incrementUseCount(settings().debug); }
+  void incrementSignificantEventCount() {
+    tracker_.incrementSignificantEventCount(settings().debug);
+  }
   void incrementAndRate(bool canPromptForRating);
   void incrementSignificantEventAndRate(bool canPromptForRating);
 
@@ -110,9 +111,9 @@ class RatingPrompt : public std::enable_shared_from_this<RatingPrompt> {
   // A network, no answer for this version yet, no alert on the screen. Starts a probe.
   [[nodiscard]] bool ratingAlertIsAppropriate() const;
 
-  [[nodiscard]] bool userHasDeclinedToRate() const { return book_.userHasDeclinedToRate(); }
+  [[nodiscard]] bool userHasDeclinedToRate() const { return tracker_.userHasDeclinedToRate(); }
   [[nodiscard]] bool userHasRatedCurrentVersion() const {
-    return book_.userHasRatedCurrentVersion();
+    return tracker_.userHasRatedCurrentVersion();
   }
   [[nodiscard]] bool connectedToNetwork() const;
   [[nodiscard]] bool isRatingAlertVisible() const;
@@ -180,7 +181,7 @@ class RatingPrompt : public std::enable_shared_from_this<RatingPrompt> {
   }
 
   RatingPlatform platform_;
-  UsageBook book_;
+  UsageTracker tracker_;
   AlertTexts texts_;
   std::weak_ptr<RatingPromptDelegate> delegate_;
 
@@ -190,5 +191,12 @@ class RatingPrompt : public std::enable_shared_from_this<RatingPrompt> {
   std::unique_ptr<OperationQueue> eventQueue_;  // returns to the foreground and events, in order
   ApplicationNotifications::ObserverId resignObserver_ = 0;
 };
+
+// The main screen's own reason to ask: the longer somebody uses the application, the more often.
+// Reads "numberOfRuns" into `runCount`, which the caller keeps for the process, and tries to show
+// the prompt once for each of 3, 5, 7 and 9 runs that it reaches. Called after each choice of a
+// preset and, once all strings are in tune, up to ten times a second for hours.
+// Thread: main.
+void promptToReview(const SettingsStore& settings, std::int64_t& runCount);
 
 }  // namespace endpin

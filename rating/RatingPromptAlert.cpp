@@ -1,5 +1,4 @@
 // The alert: showing it, hiding it, and what its buttons do.
-#include "rating/PresenterSearch.h"
 #include "rating/RatingPrompt.h"
 
 namespace endpin {
@@ -78,7 +77,7 @@ void RatingPrompt::alertView(LegacyAlert& /*alertView*/, std::int64_t didDismiss
 void RatingPrompt::alertViewDidDismissWithButtonIndex(std::int64_t buttonIndex) {
   switch (buttonIndex) {
     case kRemindLater:
-      book_.recordReminderRequest();
+      tracker_.recordReminderRequest();
       tell(&RatingPromptDelegate::ratingPromptDidOptToRemindLater, *this);
       break;
     case kRate:
@@ -86,7 +85,7 @@ void RatingPrompt::alertViewDidDismissWithButtonIndex(std::int64_t buttonIndex) 
       tell(&RatingPromptDelegate::ratingPromptDidOptToRate, *this);
       break;
     case kCancel:
-      book_.recordDeclined();
+      tracker_.recordDeclined();
       tell(&RatingPromptDelegate::ratingPromptDidDeclineToRate, *this);
       break;
     default:
@@ -136,8 +135,8 @@ void RatingPrompt::appWillResignActive() {
 }
 
 const Bundle& RatingPrompt::bundle() const {
-  if (settings().alwaysUseMainBundle) return platform_.mainBundle;
-  const Bundle* own = platform_.resourceBundles.bundleForResource("RatingPrompt", "bundle");
+  if (settings().alwaysUseMainBundle || !platform_.resourceBundles) return platform_.mainBundle;
+  const Bundle* own = platform_.resourceBundles->bundleForResource("RatingPrompt", "bundle");
   return own ? *own : platform_.mainBundle;
 }
 

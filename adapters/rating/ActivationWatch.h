@@ -9,7 +9,7 @@
 #include <map>
 #include <mutex>
 
-#include "ports/ApplicationNotifications.h"
+#include "ports/RatingPlatform.h"
 
 namespace endpin {
 

@@ -3,7 +3,7 @@
 
 #include <chrono>
 
-#include "ports/Clock.h"
+#include "ports/RatingPlatform.h"
 
 namespace endpin {
 

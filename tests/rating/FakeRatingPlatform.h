@@ -170,10 +170,24 @@ struct FakeRatingPlatform : Clock,
   enum Ways { kModern = 1, kLegacy = 2, kReview = 4, kSheet = 8 };
   void use(int ways) {
     RatingPrompt::releaseSharedInstance();
-    RatingPrompt::usePlatform({*this, queues ? *queues : *this, mainQueue, store, *this, *this,
-                               bundle, log, device, *this, *this, *this, *this,
-                               ways & kReview ? this : nullptr, ways & kSheet ? this : nullptr,
-                               ways & kModern ? this : nullptr, ways & kLegacy ? this : nullptr});
+    const auto way = [&](Ways wanted) { return ways & wanted ? this : nullptr; };
+    RatingPrompt::usePlatform({.clock = *this,
+                               .workQueues = queues ? *queues : *this,
+                               .mainQueue = mainQueue,
+                               .settings = store,
+                               .reachability = *this,
+                               .probes = *this,
+                               .mainBundle = bundle,
+                               .log = log,
+                               .device = device,
+                               .notifications = *this,
+                               .windows = *this,
+                               .urlOpener = *this,
+                               .resourceBundles = this,
+                               .reviewRequest = way(kReview),
+                               .storeSheets = way(kSheet),
+                               .modernAlerts = way(kModern),
+                               .legacyAlerts = way(kLegacy)});
     RatingPrompt::setAppId("4711");
   }
   RatingPrompt& prompt() { return *RatingPrompt::sharedInstance(); }

@@ -225,7 +225,7 @@ TEST(DesktopUrlOpener, OpensThePageInTheSoftwareCentreOrSaysSo) {
   EXPECT_EQ(log.lines, std::vector<std::string>{"Nothing opens appstream:io.endpin.Endpin"});
 }
 
-using Book = UsageBook;
+using Book = UsageTracker;
 
 QQuickItem* find(QQuickItem* top, const char* property, const QVariant& value) {
   if (top->property(property) == value && top->isVisible()) return top;
@@ -239,7 +239,7 @@ QQuickItem* find(QQuickItem* top, const char* property, const QVariant& value) {
 struct Launch {
   explicit Launch(const std::string& path) : store(path, fakes.log) {
     RatingPrompt::usePlatform({clock, queues, runLoop, store, world, world, bundle, fakes.log,
-                               fakes.device, activation, bundles, screen, world, nullptr, nullptr,
+                               fakes.device, activation, screen, world, nullptr, nullptr, nullptr,
                                &screen, nullptr});
     window.setReducedMotion(true);
     application.launch(window);
@@ -284,7 +284,6 @@ struct Launch {
   LayoutWindow window{{.model = *deviceNamed("phone:844")}, controller, fakes.log};
   SystemClock clock;
   ActivationWatch activation;
-  NoResourceBundles bundles;
   DialogScreen screen{window.window(), fakes.log};
   ThreadQueues queues;
 };

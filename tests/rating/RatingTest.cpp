@@ -2,16 +2,13 @@
 #include <chrono>
 
 #include "adapters/rating/ThreadQueues.h"
-#include "rating/PresenterSearch.h"
-#include "rating/PromptToReview.h"
-#include "rating/StoreConfiguration.h"
 #include "tests/rating/FakeRatingPlatform.h"
 
 namespace endpin::fakes {
 namespace {
 
 using World = FakeRatingPlatform;
-using Book = UsageBook;
+using Book = UsageTracker;
 constexpr double kDay = 86400;
 constexpr double kAlmost = -1 / kDay;  // a second less
 constexpr double kNever = 1e5;

@@ -10,15 +10,12 @@
 #include <mutex>
 #include <string>
 
-#include "ports/Bundle.h"
-#include "ports/Clock.h"
-#include "ports/Log.h"
-#include "ports/SettingsStore.h"
+#include "ports/RatingPlatform.h"
 #include "rating/RatingSettings.h"
 
 namespace endpin {
 
-class UsageBook {
+class UsageTracker {
  public:
   static constexpr const char* kCurrentVersion = "kRatingPromptCurrentVersion";  // string
   static constexpr const char* kFirstUseDate =
@@ -38,7 +35,7 @@ class UsageBook {
     Log& log;
   };
 
-  explicit UsageBook(const Ports& ports) : ports_(ports) {}
+  explicit UsageTracker(const Ports& ports) : ports_(ports) {}
 
   // One more launch or return to the foreground; one more significant event. In debug mode the
   // tracked version and the new count are logged.

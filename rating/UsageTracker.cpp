@@ -1,4 +1,4 @@
-#include "rating/UsageBook.h"
+#include "rating/UsageTracker.h"
 
 #include <fmt/format.h>
 
@@ -11,7 +11,7 @@ constexpr double kSecondsPerDay = 86400;
 
 // What is counted, and what a version begins with that is first seen by such a count. A use fills
 // in the date of the first use at once, an event leaves that to whatever is counted next.
-struct UsageBook::Counted {
+struct UsageTracker::Counted {
   const char* key;
   const char* name;  // in the log
   bool firstUseIsNow;
@@ -19,15 +19,15 @@ struct UsageBook::Counted {
   std::int64_t firstEventCount;
 };
 
-void UsageBook::incrementUseCount(bool debug) {
+void UsageTracker::incrementUseCount(bool debug) {
   increment({kUseCount, "Use", true, 1, 0}, debug);
 }
 
-void UsageBook::incrementSignificantEventCount(bool debug) {
+void UsageTracker::incrementSignificantEventCount(bool debug) {
   increment({kSignificantEventCount, "Significant event", false, 0, 1}, debug);
 }
 
-void UsageBook::increment(const Counted& counted, bool debug) {
+void UsageTracker::increment(const Counted& counted, bool debug) {
   const std::lock_guard lock(incrementing_);
   const std::string version = ports_.mainBundle.infoValue("CFBundleVersion").value_or("");
   const std::string tracked = trackedVersion(version);
@@ -40,13 +40,13 @@ void UsageBook::increment(const Counted& counted, bool debug) {
   ports_.settings.synchronize();
 }
 
-std::string UsageBook::trackedVersion(const std::string& version) {
+std::string UsageTracker::trackedVersion(const std::string& version) {
   if (auto tracked = ports_.settings.stringForKey(kCurrentVersion)) return *tracked;
   ports_.settings.setString(kCurrentVersion, version);
   return version;
 }
 
-void UsageBook::countOne(const Counted& counted, bool debug) {
+void UsageTracker::countOne(const Counted& counted, bool debug) {
   SettingsStore& settings = ports_.settings;
   if (settings.doubleForKey(kFirstUseDate) == 0) {
     settings.setDouble(kFirstUseDate, ports_.clock.secondsSince1970());
@@ -56,7 +56,7 @@ void UsageBook::countOne(const Counted& counted, bool debug) {
   if (debug) ports_.log.line(fmt::format("RATINGPROMPT {} count: {}", counted.name, count));
 }
 
-void UsageBook::startVersion(const std::string& version, const Counted& counted) {
+void UsageTracker::startVersion(const std::string& version, const Counted& counted) {
   SettingsStore& settings = ports_.settings;
   settings.setString(kCurrentVersion, version);
   settings.setDouble(kFirstUseDate, counted.firstUseIsNow ? ports_.clock.secondsSince1970() : 0);
@@ -67,7 +67,7 @@ void UsageBook::startVersion(const std::string& version, const Counted& counted)
   settings.setDouble(kReminderRequestDate, 0);
 }
 
-bool UsageBook::conditionsHaveBeenMet(const RatingSettings& wanted) const {
+bool UsageTracker::conditionsHaveBeenMet(const RatingSettings& wanted) const {
   if (wanted.debug) return true;
   const SettingsStore& settings = ports_.settings;
   if (secondsSince(kFirstUseDate) < wanted.daysUntilPrompt * kSecondsPerDay) return false;
@@ -78,25 +78,25 @@ bool UsageBook::conditionsHaveBeenMet(const RatingSettings& wanted) const {
   return secondsSince(kReminderRequestDate) >= wanted.timeBeforeReminding * kSecondsPerDay;
 }
 
-bool UsageBook::userHasDeclinedToRate() const {
+bool UsageTracker::userHasDeclinedToRate() const {
   return ports_.settings.boolForKey(kDeclinedToRate);
 }
 
-bool UsageBook::userHasRatedCurrentVersion() const {
+bool UsageTracker::userHasRatedCurrentVersion() const {
   return ports_.settings.boolForKey(kRatedCurrentVersion);
 }
 
-void UsageBook::recordReminderRequest() {
+void UsageTracker::recordReminderRequest() {
   ports_.settings.setDouble(kReminderRequestDate, ports_.clock.secondsSince1970());
   ports_.settings.synchronize();
 }
 
-void UsageBook::recordAnswer(const char* key) {
+void UsageTracker::recordAnswer(const char* key) {
   ports_.settings.setBool(key, true);
   ports_.settings.synchronize();
 }
 
-double UsageBook::secondsSince(const char* dateKey) const {
+double UsageTracker::secondsSince(const char* dateKey) const {
   return ports_.clock.secondsSince1970() - ports_.settings.doubleForKey(dateKey);
 }
 
