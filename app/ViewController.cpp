@@ -87,6 +87,12 @@ void ViewController::tickFree() {
   hearing_.tick(lastReading_, sensitivity_, tick_.run(lastReading_, stringReferences()));
 }
 
+bool ViewController::stringSounds() const {
+  return sensitivity_.judge(lastReading_.power, lastReading_.frequency) !=
+             Sensitivity::Gate::Clear ||
+         tuningFork_.curPlayState == TuningFork::Playing;
+}
+
 StringReferences ViewController::stringReferences() const {
   StringReferences references;
   for (std::size_t i = 0; i < references.size(); ++i) {

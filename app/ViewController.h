@@ -102,6 +102,8 @@ class ViewController : public TunerOutlets,
 
   // What the listener said at the last tick, for status displays.
   [[nodiscard]] const Reading& lastReading() const { return lastReading_; }
+  // Whether a string was heard at the last tick, or the tuning fork plays: no moment for questions.
+  [[nodiscard]] bool stringSounds() const;
   // The centres and tolerance bases of the four in-tune bands now in force.
   [[nodiscard]] StringReferences stringReferences() const;
 

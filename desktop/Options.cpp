@@ -35,6 +35,8 @@ void addOptions(CLI::App& app, Arguments& into) {
   auto* screenshot = app.add_option("--screenshot", options.screenshot,
                                     "Save the screen as a PNG, two pixels a point, and end");
   app.add_option("--after", options.after, "Seconds until the screenshot (1)")->needs(screenshot);
+  app.add_flag_callback(
+      "--no-network", [&options] { options.network = false; }, "Send nothing over the network");
   app.add_flag("--verbose", options.verbose, "Write the log to standard error");
 }
 

@@ -20,6 +20,7 @@ struct Options {
   std::string panel;                  // to open at start; empty: none
   std::string screenshot;             // file to write; empty: none
   double after = 1;                   // seconds until then
+  bool network = true;                // the one request a run may be sent
   bool verbose = false;               // the log goes to standard error
 };
 

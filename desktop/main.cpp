@@ -6,14 +6,15 @@
 #include "adapters/log/NullLog.h"
 #include "adapters/log/StreamLog.h"
 #include "adapters/offline/MemoryStore.h"
+#include "adapters/posix/SystemNetwork.h"
 #include "adapters/qt/QtDevice.h"
 #include "adapters/qt/QtRunLoop.h"
 #include "adapters/qt/QuitSignals.h"
 #include "adapters/sqlite/SqliteStore.h"
 #include "app/Application.h"
+#include "desktop/AppLifecycle.h"
 #include "desktop/GuiStart.h"
 #include "desktop/Language.h"
-#include "desktop/Life.h"
 #include "desktop/Options.h"
 #include "desktop/Sound.h"
 #include "ports/Platform.h"
@@ -55,7 +56,10 @@ int run(const Options& options, char** arguments) {
   Application application(platform);
   LayoutWindow window(setUpWindow(options, device.model(), bundle), application.controller(),
                       problems);
-  const Life life(application, platform, window);
+  SystemClock clock;
+  SystemNetwork network(options.network, "Endpin/" ENDPIN_VERSION);
+  const AppLifecycle life(application, platform, window,
+                          {.clock = clock, .reachability = network, .probes = network});
   logFirstFrame(window, log);
   planScreenshot(options, window, runLoop);
   return QGuiApplication::exec();

@@ -175,7 +175,7 @@ struct FakeRatingPlatform : Clock,
                                .workQueues = queues ? *queues : *this,
                                .mainQueue = mainQueue,
                                .settings = store,
-                               .reachability = *this,
+                               .reachability = reachability ? *reachability : *this,
                                .probes = *this,
                                .mainBundle = bundle,
                                .log = log,
@@ -195,7 +195,8 @@ struct FakeRatingPlatform : Clock,
   std::atomic<double> now = 1.7e9;  // seconds
   std::deque<Action> work;
   VirtualRunLoop mainQueue;
-  WorkQueues* queues = nullptr;  // others than the two above
+  WorkQueues* queues = nullptr;          // others than the two above
+  Reachability* reachability = nullptr;  // another than this
   const std::thread::id mainThread = std::this_thread::get_id();
   std::optional<std::uint32_t> flags = kReachabilityReachable;
   TaskState probeState = TaskState::Running;

@@ -1,231 +1,23 @@
-// The rating prompt on a desktop: its queues and network against servers of the test's own, its
-// dialog on the real screen, answered with mouse and keyboard. Nothing here leaves the machine.
-#include <dlfcn.h>
-#include <malloc.h>
-#include <net/if.h>
-#include <net/route.h>
-#include <netdb.h>
-#include <netinet/in.h>
-#include <sched.h>
-#include <sys/ioctl.h>
-#include <sys/resource.h>
-#include <unistd.h>
-
+// The application's life on a desktop, wired as it is, on a clock of the test's own: when it asks
+// for a rating, on the real screen and answered with mouse and keyboard, and what counts as a
+// return. Only sound, network and clock are fakes.
 #include <QDesktopServices>
 #include <QGuiApplication>
 #include <QQuickItem>
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QTest>
-#include <semaphore>
 
 #include "adapters/bundle/FileBundle.h"
-#include "adapters/qt/LayoutWindow.h"
-#include "adapters/qt/QtRunLoop.h"
 #include "adapters/sqlite/SqliteStore.h"
-#include "app/Application.h"
-#include "desktop/Rating.h"
+#include "desktop/AppLifecycle.h"
 #include "tests/rating/FakeRatingPlatform.h"
 #include "tests/support/TempDirectory.h"
-
-namespace {
-
-std::binary_semaphore nameServerAnswers{0}, nameServerAsked{0};
-
-}  // namespace
-
-// Stands in for the system's: the name server of "hung.invalid" does not answer until it is let.
-extern "C" int getaddrinfo(const char* host, const char* service, const addrinfo* hints,
-                           addrinfo** result) {
-  if (host && std::string_view(host) == "hung.invalid") {
-    nameServerAsked.release();
-    nameServerAnswers.acquire();
-    return EAI_AGAIN;
-  }
-  static const auto system =
-      reinterpret_cast<decltype(&getaddrinfo)>(dlsym(RTLD_NEXT, "getaddrinfo"));
-  return system(host, service, hints, result);
-}
 
 namespace endpin {
 namespace {
 
-using namespace std::chrono_literals;
-using Now = std::chrono::steady_clock;
-
-struct HttpProbesTest : ::testing::Test {
-  HttpProbesTest() {
-    site.listen(QHostAddress::LocalHost);
-    QObject::connect(&site, &QTcpServer::newConnection, [this] {
-      QTcpSocket* socket = sockets.emplace_back(site.nextPendingConnection());
-      QObject::connect(socket, &QTcpSocket::readyRead, [this, socket] {
-        heard += socket->readAll();
-        socket->write(answer);
-      });
-    });
-  }
-  [[nodiscard]] ProbeRequest page(const char* host = "127.0.0.1") const {
-    return {.url = "http://" + std::string(host) + ":" + std::to_string(site.serverPort()) + "/"};
-  }
-  // Asks until there is one connection more.
-  bool connects(HttpProbes& probes, const ProbeRequest& request) {
-    return QTest::qWaitFor([&, wanted = sockets.size() + 1] {
-      probes.resume(request);
-      QTest::qWait(5);
-      return sockets.size() == wanted;
-    });
-  }
-  bool lastOneEnds() {
-    return QTest::qWaitFor(
-        [&] { return sockets.back()->state() == QAbstractSocket::UnconnectedState; });
-  }
-  QTcpServer site;
-  std::vector<QTcpSocket*> sockets;
-  QByteArray heard, answer;  // without one it never ends
-  const Now::time_point begin = Now::now();
-};
-
-TEST_F(HttpProbesTest, AreOneHoweverManyAreAskedFor) {
-  HttpProbes probes(0ms);
-  EXPECT_EQ(probes.resume(page()), Probes::TaskState::Running);
-  ASSERT_TRUE(QTest::qWaitFor([&] { return heard.endsWith("\r\n\r\n"); }));
-  const auto held = mallinfo2().uordblks;  // bytes
-  const auto askOften = [&] {
-    for (int n = 0; n < 5000; ++n) probes.resume(page());
-  };
-  std::thread other(askOften);
-  askOften();
-  other.join();
-  QTest::qWait(200);
-  EXPECT_EQ(sockets.size(), 1U);
-  EXPECT_LT(mallinfo2().uordblks, held + 64 * 1024);
-  sockets[0]->abort();
-  EXPECT_TRUE(connects(probes, page()));
-}
-
-TEST_F(HttpProbesTest, KeepNothingFollowNothingAndTakeTheirTime) {
-  answer =
-      "HTTP/1.1 302 Found\r\nLocation: /elsewhere\r\nSet-Cookie: a=b\r\n"
-      "Content-Length: 1000000000\r\n\r\n" +
-      QByteArray(100000, 'x');
-  HttpProbes probes(300ms);
-  for (const char* host : {"127.0.0.1", "localhost"}) {
-    ASSERT_TRUE(connects(probes, page(host)));
-    ASSERT_TRUE(lastOneEnds());
-  }
-  EXPECT_GE(Now::now() - begin, 290ms);
-  EXPECT_EQ(heard.count("GET / HTTP/1.1\r\n"), 2) << heard.data();
-  EXPECT_EQ(heard.count("GET"), 2);
-  EXPECT_EQ(heard.count("Cookie"), 0);
-  const auto host = "Host: localhost:" + QByteArray::number(site.serverPort()) + "\r\n";
-  EXPECT_EQ(heard.count(host), 1) << heard.data();
-}
-
-TEST_F(HttpProbesTest, GiveUpAfterTheTimeAndAtTheEnd) {
-  std::optional<HttpProbes> probes(0ms);
-  ProbeRequest impatient = page();
-  impatient.timeoutInterval = 0.2;
-  for (int i = 0; i < 3; ++i) ASSERT_TRUE(connects(*probes, impatient));
-  EXPECT_GE(Now::now() - begin, 350ms);  // the timer is a coarse one
-  const auto end = Now::now();
-  probes.reset();
-  EXPECT_LT(Now::now() - end, 1s);
-  EXPECT_TRUE(lastOneEnds());
-}
-
-TEST_F(HttpProbesTest, DoNotWaitForANameServerThatHangs) {
-  answer = "HTTP/1.1 204 No Content\r\n\r\n";
-  std::optional<HttpProbes> probes(0ms);
-  const auto lookUp = [&] {
-    return QTest::qWaitFor([&] {
-      probes->resume({.url = "http://hung.invalid/"});
-      return nameServerAsked.try_acquire();
-    });
-  };
-  ASSERT_TRUE(lookUp());
-  nameServerAnswers.release();  // that there is no such host
-  ASSERT_TRUE(connects(*probes, page()));
-  ASSERT_TRUE(lookUp());
-  const auto end = Now::now();
-  probes.reset();
-  EXPECT_LT(Now::now() - end, 1s);
-  nameServerAnswers.release();  // too late for anybody
-  QTest::qWait(20);
-}
-
-TEST(ThreadQueues, KeepTheOrderStepBackAndEndWithWhatRuns) {
-  std::optional<ThreadQueues> queues(std::in_place);
-  std::atomic<int> niceness = 0;
-  queues->dispatchAsync(kWorkPriorityBackground,
-                        [&] { niceness = getpriority(PRIO_PROCESS, static_cast<id_t>(gettid())); });
-  std::vector<int> order, counted(101);
-  std::iota(counted.begin(), counted.end(), 0);
-  std::atomic<bool> running = false;
-  auto queue = queues->newOperationQueue();
-  for (int i = 0; i < 100; ++i) queue->addOperation([&order, i] { order.push_back(i); });
-  queue->addOperation([&] {
-    running = true;
-    std::this_thread::sleep_for(50ms);
-    order.push_back(100);
-  });
-  queue->addOperation([&] { order.push_back(101); });
-  EXPECT_TRUE(QTest::qWaitFor([&] { return running && niceness != 0; }));
-  queue.reset();
-  queues.reset();
-  EXPECT_EQ(niceness, std::min(getpriority(PRIO_PROCESS, 0) + 10, 19));
-  EXPECT_EQ(order, counted);
-}
-
-// In a network of its own, which is a thread's private matter.
-TEST(RouteReachability, FollowsTheRoutingTable) {
-  RouteReachability reachability;
-  const auto anywhere = [&] { return reachability.flagsForAddress({}); };
-  const auto here = [&] { return reachability.flagsForAddress({.address = 0x7F000001}); };
-  EXPECT_EQ(here(), kReachabilityReachable);
-  bool allowed = false;
-  std::thread([&] {
-    allowed = unshare(CLONE_NEWNET) == 0;
-    if (!allowed) return;
-    EXPECT_EQ(anywhere(), 0U);
-    const int control = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    ifreq loop{.ifr_ifrn = {"lo"}, .ifr_ifru = {}};
-    loop.ifr_flags = IFF_UP;
-    EXPECT_EQ(ioctl(control, SIOCSIFFLAGS, &loop), 0);
-    EXPECT_EQ(here(), kReachabilityReachable);
-    EXPECT_EQ(anywhere(), 0U);
-    rtentry everything{};
-    everything.rt_dst.sa_family = everything.rt_genmask.sa_family = AF_INET;
-    everything.rt_flags = RTF_UP;
-    everything.rt_dev = loop.ifr_name;
-    EXPECT_EQ(ioctl(control, SIOCADDRT, &everything), 0);
-    EXPECT_EQ(anywhere(), kReachabilityReachable);
-    close(control);
-  }).join();
-  if (!allowed) GTEST_SKIP() << "no network of its own without privileges";
-}
-
-class SoftwareCentre : public QObject {
-  Q_OBJECT
- public:
-  Q_INVOKABLE void open(const QUrl& page) { opened = page; }
-  QUrl opened;
-};
-
-// Without windows there is no desktop that opens anything; the test then takes its place.
-TEST(DesktopUrlOpener, OpensThePageInTheSoftwareCentreOrSaysSo) {
-  QGuiApplication::setDesktopFileName("io.endpin.Endpin");
-  fakes::FakeLog log;
-  DesktopUrlOpener opener(log);
-  opener.openUrl("itms-apps://store.invalid/app/id0");
-  SoftwareCentre centre;
-  QDesktopServices::setUrlHandler("appstream", &centre, "open");
-  opener.openUrl("itms-apps://store.invalid/app/id0");
-  QDesktopServices::unsetUrlHandler("appstream");
-  EXPECT_EQ(centre.opened, QUrl("appstream:io.endpin.Endpin"));
-  EXPECT_EQ(log.lines, std::vector<std::string>{"Nothing opens appstream:io.endpin.Endpin"});
-}
-
-using Book = UsageTracker;
+using Usage = UsageTracker;
+constexpr double kDay = 86400;
+constexpr double kBegin = 1.7e9;  // seconds since 1970
 
 QQuickItem* find(QQuickItem* top, const char* property, const QVariant& value) {
   if (top->property(property) == value && top->isVisible()) return top;
@@ -235,179 +27,262 @@ QQuickItem* find(QQuickItem* top, const char* property, const QVariant& value) {
   return nullptr;
 }
 
-// One run of the application. Only the network and the store are fakes.
+class SoftwareCentre : public QObject {
+  Q_OBJECT
+ public:
+  SoftwareCentre() { QDesktopServices::setUrlHandler("appstream", this, "open"); }
+  ~SoftwareCentre() override { QDesktopServices::unsetUrlHandler("appstream"); }
+  Q_INVOKABLE void open(const QUrl& page) { opened = page; }
+  QUrl opened;
+};
+
+// One run of the application.
 struct Launch {
-  explicit Launch(const std::string& path) : store(path, fakes.log) {
-    RatingPrompt::usePlatform({clock, queues, runLoop, store, world, world, bundle, fakes.log,
-                               fakes.device, activation, screen, world, nullptr, nullptr, nullptr,
-                               &screen, nullptr});
+  explicit Launch(const std::string& path, double now = kBegin) : store(path, fakes.log) {
+    world.now = now;
     window.setReducedMotion(true);
-    application.launch(window);
+    QGuiApplication::setDesktopFileName("io.endpin.Endpin");
+    life.emplace(application, platform, window,
+                 AppLifecycle::Outside{.clock = world, .reachability = world, .probes = world});
   }
-  ~Launch() { RatingPrompt::releaseSharedInstance(); }
+  void pass(double seconds) {
+    world.now = world.now + seconds;
+    fakes.runLoop.advance(seconds);
+    QTest::qWait(1);
+  }
+  // Until the launch or a return has been counted, and what follows from it has happened.
+  [[nodiscard]] bool counts(std::int64_t uses, int milliseconds = 5000) {
+    const auto counted = [&] {
+      pass(0);
+      return store.integerForKey(Usage::kUseCount) == uses;
+    };
+    return QTest::qWaitFor(counted, milliseconds);
+  }
   QQuickItem* item(const char* property, const QVariant& value) {
     return find(window.root(), property, value);
   }
-  bool asks() { return item("objectName", "ratingDialog") != nullptr; }
-  void click(QQuickItem* item) {
+  QQuickItem* dialog() { return item("objectName", "ratingDialog"); }
+  bool asks() {
+    const bool asking = dialog() != nullptr;
+    const auto alert = RatingPrompt::sharedInstance();
+    EXPECT_EQ(alert->isRatingAlertVisible(), asking) << "what the prompt believes";
+    return asking;
+  }
+  void click(QQuickItem* item, double across = 0.5, double down = 0.5) {
     ASSERT_TRUE(item);
-    QTest::qWait(1);  // what just appeared is laid out
-    const QPointF middle(item->width() / 2, item->height() / 2);
-    QTest::mouseClick(&window.window(), Qt::LeftButton, {}, item->mapToScene(middle).toPoint());
+    window.window().grabWindow();  // what just appeared is laid out
+    const QPointF point(item->width() * across, item->height() * down);
+    QTest::mouseClick(&window.window(), Qt::LeftButton, {}, item->mapToScene(point).toPoint());
   }
   void press(Qt::Key key) { QTest::keyClick(&window.window(), key); }
-  void choosePreset() {
-    window.root()->setProperty("openPanel", "settings");
-    click(item("action", "setA442"));
+  void play(float level, double seconds) {
+    fakes.input.queue->level.mAveragePower = level;
+    pass(seconds);
   }
-  // The launch has been counted and what follows from it has happened.
-  void settle(std::int64_t uses) {
-    EXPECT_TRUE(QTest::qWaitFor([&] { return store.integerForKey(Book::kUseCount) == uses; }));
-    QTest::qWait(50);
+  void openPanel(const char* name) { window.root()->setProperty("openPanel", name); }
+  void choosePreset() {
+    openPanel("settings");
+    click(item("action", "setA442"));
+    openPanel("");
   }
   // What the answer left in the store.
   std::string noted() const {
-    if (store.doubleForKey(Book::kReminderRequestDate) != 0) return "reminder";
-    if (store.boolForKey(Book::kDeclinedToRate)) return "declined";
-    return store.boolForKey(Book::kRatedCurrentVersion) ? "rated" : "";
+    if (store.doubleForKey(Usage::kReminderRequestDate) != 0) return "reminder";
+    if (store.boolForKey(Usage::kDeclinedToRate)) return "declined";
+    return store.boolForKey(Usage::kRatedCurrentVersion) ? "rated" : "";
   }
 
   fakes::FakePlatform fakes;
   fakes::FakeRatingPlatform world;
   SqliteStore store;
-  QtRunLoop runLoop;
   FileBundle bundle{{ENDPIN_RESOURCES, "de", "1.0"}, fakes.log};
-  Platform platform{fakes.input, fakes.session, fakes.players, fakes.output, runLoop,
+  Platform platform{fakes.input, fakes.session, fakes.players, fakes.output, fakes.runLoop,
                     store,       fakes.device,  bundle,        fakes.log};
   Application application{platform, false};
-  ViewController& controller = application.controller();
-  LayoutWindow window{{.model = *deviceNamed("phone:844")}, controller, fakes.log};
-  SystemClock clock;
-  ActivationWatch activation;
-  DialogScreen screen{window.window(), fakes.log};
-  ThreadQueues queues;
+  LayoutWindow window{{.model = *deviceNamed("phone:844")}, application.controller(), fakes.log};
+  std::optional<AppLifecycle> life;
 };
 
-struct RatingScreen : ::testing::Test {
+struct RatingScreenTest : ::testing::Test {
   // The settings of somebody who has used this version for a while.
   std::string prepared(double days, std::int64_t uses) {
     const std::string path = folder.file(std::to_string(++stores) + ".db");
     SqliteStore store(path, log);
     store.setBool("NewFirstLaunchCello", true);
     store.setInteger("numberOfRuns", 20);
-    store.setString(Book::kCurrentVersion, "1.0");
-    store.setDouble(Book::kFirstUseDate, SystemClock().secondsSince1970() - days * 86400);
-    store.setInteger(Book::kUseCount, uses);
+    store.setString(Usage::kCurrentVersion, "1.0");
+    store.setDouble(Usage::kFirstUseDate, kBegin - days * kDay);
+    store.setInteger(Usage::kUseCount, uses);
     return path;
+  }
+  // A run in which a preset has been chosen and it has been silent ever since.
+  std::unique_ptr<Launch> asking() {
+    auto run = std::make_unique<Launch>(prepared(1, 1));
+    run->choosePreset();
+    run->pass(11);
+    EXPECT_TRUE(run->asks());
+    return run;
   }
   testing::TempDirectory folder;
   int stores = 0;
   fakes::FakeLog log;
 };
 
-TEST_F(RatingScreen, AsksAfterAPresetAndEachAnswerLasts) {
+TEST_F(RatingScreenTest, WaitsForAClosedPanelAndTenSecondsOfSilence) {
+  Launch run(prepared(1, 1));
+  run.choosePreset();
+  run.openPanel("chart");
+  run.pass(30);
+  EXPECT_FALSE(run.asks()) << "a panel is open";
+  run.play(0.1F, 1);
+  run.openPanel("");
+  run.play(0.1F, 30);
+  EXPECT_FALSE(run.asks()) << "a string sounds";
+  run.application.controller().playA3();
+  run.play(0, 30);
+  EXPECT_FALSE(run.asks()) << "the tuning fork plays";
+  run.application.controller().stopFreqPlay();
+  run.play(0, 9);
+  run.play(0.1F, 0.2);
+  run.play(0, 9.5);
+  EXPECT_FALSE(run.asks()) << "it has sounded less than ten seconds ago";
+  run.play(0, 0.8);
+  EXPECT_TRUE(run.asks());
+}
+
+TEST_F(RatingScreenTest, AsksOnceARunAndEachAnswerLasts) {
+  using Keys = std::vector<Qt::Key>;
   const struct {
     const char* button;
-    std::vector<Qt::Key> keys;
+    Keys keys;
     std::string noted;
-    bool asksAgain;
+    bool asksSoon, asksAfterThreeDays;
   } rows[] = {
-      {"Endpin bewerten", {}, "rated", false},
-      {"Später erinnern", {}, "reminder", true},  // a preset asks before the reminder is due
-      {"Nein, danke", {}, "declined", false},
-      {"", {Qt::Key_Escape}, "reminder", true},
-      {"", {Qt::Key_Tab, Qt::Key_Return}, "rated", false},
-      {"", {Qt::Key_Tab, Qt::Key_Tab, Qt::Key_Tab, Qt::Key_Space}, "declined", false},
-      {"", {Qt::Key_Return}, "", true},  // the key that chose the preset is no answer
+      {"Endpin bewerten", {}, "rated", false, false},
+      {"Später erinnern", {}, "reminder", false, true},
+      {"Nein, danke", {}, "declined", false, false},
+      {"beside", {}, "reminder", false, true},
+      {"", {Qt::Key_Escape}, "reminder", false, true},
+      {"", {Qt::Key_Tab, Qt::Key_Return}, "rated", false, false},
+      {"", {Qt::Key_Tab, Qt::Key_Tab, Qt::Key_Tab, Qt::Key_Space}, "declined", false, false},
+      {"", {Qt::Key_Return}, "", true, true},  // a key that was still down is no answer
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.button + row.noted);
     const std::string path = prepared(1, 1);
+    SoftwareCentre centre;
     {
       Launch run(path);
-      run.settle(2);
-      EXPECT_FALSE(run.asks());
+      ASSERT_TRUE(run.counts(2));
       run.choosePreset();
+      run.pass(11);
       ASSERT_TRUE(run.asks());
-      run.click(run.item("action", "setA415"));  // the dialog covers the rest
-      QTest::qWait(1);
-      if (*row.button) run.click(run.item("modelData", row.button));
+      run.click(run.dialog(), 0.08, 0.5);  // its card, beside the buttons
+      if (std::string_view("beside") == row.button) {
+        run.click(run.dialog(), 0.5, 0.02);
+      } else if (*row.button) {
+        run.click(run.item("modelData", row.button));
+      }
       for (const Qt::Key key : row.keys) run.press(key);
       EXPECT_EQ(run.noted(), row.noted);
       EXPECT_EQ(run.asks(), row.noted.empty());
-      EXPECT_EQ(run.world.urls.size(), row.noted == "rated" ? 1U : 0U);
-      EXPECT_EQ(run.store.integerForKey("a4InHzSavedValue"), 442);
-      EXPECT_EQ(run.fakes.log.count("The layout has no dialog to ask for a rating."), 0);
+      EXPECT_EQ(centre.opened.isEmpty(), row.noted != "rated");
+      run.world.now = run.world.now + 4 * kDay;
+      if (!row.noted.empty()) run.choosePreset();
+      run.pass(11);
+      EXPECT_EQ(run.asks(), row.noted.empty()) << "twice in a run";
     }
-    Launch again(path);
-    EXPECT_EQ(again.noted(), row.noted);
-    again.choosePreset();
-    EXPECT_EQ(again.asks(), row.asksAgain);
+    for (const auto& [days, asks] : {std::pair{2.9, row.asksSoon}, {3.1, row.asksAfterThreeDays}}) {
+      Launch again(path, kBegin + days * kDay);
+      EXPECT_EQ(again.noted(), row.noted);
+      again.choosePreset();
+      again.pass(11);
+      EXPECT_EQ(again.asks(), asks) << days;
+    }
   }
 }
 
-TEST_F(RatingScreen, AsksByItselfWhenItIsTimeAndNotBeforeTheReminder) {
-  const std::string path = prepared(5, 5);
-  for (const auto& [uses, asks] : {std::pair{6, false}, {7, true}, {8, false}}) {
-    Launch run(path);
-    run.settle(uses);
+// At the launch, by days and uses, and at a return to the foreground.
+TEST_F(RatingScreenTest, AsksByItselfWhenItIsTime) {
+  for (const auto& [uses, asks] : {std::pair{6, false}, {7, true}}) {
+    Launch run(prepared(5, uses - 1));
+    ASSERT_TRUE(run.counts(uses));
+    run.pass(0.1);
+    EXPECT_FALSE(run.asks());
+    run.pass(11);
     EXPECT_EQ(run.asks(), asks) << uses << " uses";
-    if (asks) run.click(run.item("modelData", "Später erinnern"));
   }
 }
 
-TEST_F(RatingScreen, HidesWhenTheApplicationResignsNotWhenTheFocusMoves) {
-  Launch run(prepared(1, 1));
-  run.choosePreset();
-  ASSERT_EQ(QGuiApplication::applicationState(), Qt::ApplicationActive);
+TEST_F(RatingScreenTest, CountsReturnsOfTheUserAndNotOfTheKeyboard) {
+  const struct {
+    const char* what;
+    double away;  // seconds
+    bool hidden, counts;
+  } rows[] = {{"a notification", 9, false, false},
+              {"another application", 11, false, true},
+              {"a window put away", 0.1, true, true}};
+  for (const auto& row : rows) {
+    Launch run(prepared(1, 1));
+    ASSERT_TRUE(run.counts(2));
+    if (row.hidden) run.window.window().hide();
+    Q_EMIT qGuiApp->applicationStateChanged(Qt::ApplicationInactive);  // as the desktop has it
+    run.pass(row.away);
+    run.window.window().show();
+    EXPECT_FALSE(run.counts(3, 0)) << "not before it has the user";
+    Q_EMIT qGuiApp->applicationStateChanged(Qt::ApplicationActive);
+    EXPECT_EQ(run.counts(3, row.counts ? 5000 : 50), row.counts) << row.what;
+    Q_EMIT qGuiApp->applicationStateChanged(Qt::ApplicationActive);
+    EXPECT_FALSE(run.counts(4, 50)) << "twice";
+  }
+}
+
+TEST_F(RatingScreenTest, HidesWhenTheApplicationResignsNotWhenTheFocusMoves) {
+  const auto run = asking();
   QQuickWindow other;
   other.show();
   other.requestActivate();
   ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
-  EXPECT_TRUE(run.asks());
+  EXPECT_TRUE(run->asks());
   Q_EMIT qGuiApp->applicationStateChanged(Qt::ApplicationInactive);  // as the desktop has it
-  EXPECT_FALSE(RatingPrompt::sharedInstance()->isRatingAlertVisible() || run.asks());
-  EXPECT_EQ(run.noted(), "");
-  Q_EMIT qGuiApp->applicationStateChanged(Qt::ApplicationActive);
-  run.choosePreset();
-  EXPECT_TRUE(run.asks());
+  EXPECT_FALSE(run->asks());
+  EXPECT_EQ(run->noted(), "");
 }
 
-TEST_F(RatingScreen, ASecondAlertTakesThePlaceOfTheFirst) {
-  Launch run(prepared(1, 1));
-  int answers = 0;
-  const auto present = [&](const char* title) {
-    const auto alert = run.screen.newAlert(title, "", AlertControllerStyle::Alert);
-    alert->addAction(title, AlertActionStyle::Cancel, [&](std::string_view pressed) {
-      ++answers;
-      EXPECT_EQ(pressed, "second");
-      EXPECT_FALSE(run.asks());
-    });
-    auto* root = run.screen.keyWindow()->rootViewController();
-    auto* over = root->presentedViewController();
-    (over ? over : root)->presentViewController(alert, true, {});
-    EXPECT_TRUE(alert->viewHasSuperview());
-    EXPECT_EQ(root->presentedViewController(), alert.get());
-    return alert;
-  };
-  const auto first = present("first");
+TEST_F(RatingScreenTest, ASecondAlertTakesThePlaceOfTheFirst) {
+  const auto run = asking();
+  run->press(Qt::Key_Tab);  // to a button that is about to go
+  RatingPrompt::forceShowPrompt(false);
+  EXPECT_TRUE(run->asks());
+  EXPECT_EQ(run->dialog()->property("buttons").toStringList().size(), 2);
+  run->press(Qt::Key_Escape);  // the second has the keyboard; it offers no later
+  EXPECT_FALSE(run->asks());
+  EXPECT_EQ(run->noted(), "");
+}
+
+TEST_F(RatingScreenTest, SaysWhenNothingOpensTheStorePage) {
+  const auto run = asking();
+  run->click(run->item("modelData", "Endpin bewerten"));
   QTest::qWait(1);
-  run.press(Qt::Key_Tab);  // to a button that is about to go
-  const auto second = present("second");
-  EXPECT_FALSE(first->viewHasSuperview());
-  first->dismissViewController(false, {});  // does not touch the second
-  EXPECT_TRUE(run.asks() && second->viewHasSuperview());
-  run.press(Qt::Key_Escape);  // to the second, which has the keyboard
-  EXPECT_EQ(answers, 1);
-  EXPECT_FALSE(second->viewHasSuperview());
+  EXPECT_EQ(run->noted(), "rated");
+  EXPECT_EQ(run->fakes.log.count("Nothing opens appstream:io.endpin.Endpin"), 1);
+  ASSERT_TRUE(run->dialog());
+  const QString text = run->bundle.localizedString("StorePageUnopened", "", "").c_str();
+  EXPECT_TRUE(run->item("text", text));
+  EXPECT_FALSE(RatingPrompt::sharedInstance()->isRatingAlertVisible());
+  run->click(run->item("modelData", "Schließen"));
+  EXPECT_FALSE(run->dialog());
 }
 
-TEST_F(RatingScreen, ALayoutWithoutADialogShowsNothingAndSaysSoOnce) {
+TEST_F(RatingScreenTest, ALayoutWithoutADialogShowsNothingAndSaysSoOnce) {
+  fakes::FakeRatingPlatform world;
   QQuickWindow empty;
-  DialogScreen screen(empty, log);
+  RatingScreen screen(empty, {.runLoop = world.mainQueue, .clock = world, .settings = world.store},
+                      log);
   for (int i = 0; i < 3; ++i) {
     const auto alert = screen.newAlert("", "", AlertControllerStyle::Alert);
     screen.keyWindow()->rootViewController()->presentViewController(alert, true, [] { FAIL(); });
+    world.advance(11);
     EXPECT_FALSE(alert->viewHasSuperview());
   }
   EXPECT_EQ(log.lines.size(), 1U);

@@ -1,7 +1,13 @@
 // When to ask for a rating and how: the bookkeeping, the ways to show it, the answers, the words.
-#include <chrono>
+#include <sys/resource.h>
+#include <unistd.h>
 
-#include "adapters/rating/ThreadQueues.h"
+#include <chrono>
+#include <numeric>
+#include <semaphore>
+
+#include "adapters/posix/SystemNetwork.h"
+#include "adapters/posix/SystemServices.h"
 #include "tests/rating/FakeRatingPlatform.h"
 
 namespace endpin::fakes {
@@ -377,6 +383,46 @@ TEST_F(RatingTest, WordsAndWhereTheyComeFrom) {
   EXPECT_EQ(noted(), "");
   world.alert->press(0);  // of two alike, the one that does less
   EXPECT_EQ(noted(), "declined");
+}
+
+// A process that has no descriptor left cannot ask for the way.
+TEST_F(RatingTest, FlagsThatCannotBeReadAreLogged) {
+  SystemNetwork network(true, "");
+  world.reachability = &network;
+  use(World::kModern);
+  rlimit usual{};
+  getrlimit(RLIMIT_NOFILE, &usual);
+  const rlimit none{0, usual.rlim_max};
+  setrlimit(RLIMIT_NOFILE, &none);
+  EXPECT_FALSE(world.prompt().connectedToNetwork());
+  setrlimit(RLIMIT_NOFILE, &usual);
+  EXPECT_EQ(world.log.lines, Strings{"Error. Could not recover network reachability flags"});
+  EXPECT_EQ(world.probes, 0);
+}
+
+TEST(ThreadQueues, KeepTheOrderStepBackAndEndWithWhatRuns) {
+  std::optional<ThreadQueues> queues(std::in_place);
+  std::binary_semaphore measured{0}, running{0};
+  int niceness = 0;
+  queues->dispatchAsync(kWorkPriorityBackground, [&] {
+    niceness = getpriority(PRIO_PROCESS, static_cast<id_t>(gettid()));
+    measured.release();
+  });
+  std::vector<int> order, counted(101);
+  std::iota(counted.begin(), counted.end(), 0);
+  auto queue = queues->newOperationQueue();
+  for (int i = 0; i < 100; ++i) queue->addOperation([&order, i] { order.push_back(i); });
+  queue->addOperation([&] {
+    running.release();
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    order.push_back(100);
+  });
+  queue->addOperation([&] { order.push_back(101); });
+  measured.acquire();
+  running.acquire();
+  queue.reset();
+  EXPECT_EQ(niceness, std::min(getpriority(PRIO_PROCESS, 0) + 10, 19));
+  EXPECT_EQ(order, counted);
 }
 
 // Everything at once on the threads of a desktop; the thread sanitizer looks on.

@@ -1,7 +1,8 @@
 import QtQuick
 
-// Asks for a rating. The buttons stand in the order rate, later, no; the answer is the index of the
-// one that was chosen. Escape is "later", or "no" where that is not offered: it never rates.
+// Asks for a rating, or tells something. The buttons stand in the order rate, later, no; the answer
+// is the index of the one that was chosen. Escape and a press beside the dialog are "later", or no
+// answer (-1) where that is not offered: nobody says no by leaving.
 Item {
     id: dialog
 
@@ -16,9 +17,9 @@ Item {
     visible: shown
     enabled: shown
     Accessible.role: Accessible.AlertMessage
-    Accessible.name: title
-    Accessible.description: message
-    Keys.onEscapePressed: choose(Math.min(1, buttons.length - 1))
+    Accessible.name: title || message
+    Accessible.description: title ? message : ""
+    Keys.onEscapePressed: leave()
 
     // The focus stays on the dialog itself: a key that is still down answers nothing.
     property Item focusBefore: null
@@ -36,7 +37,12 @@ Item {
         chosen(index)
     }
 
-    Scrim { opacity: 0.7 }
+    function leave() { choose(buttons.length === 3 ? 1 : -1) }
+
+    Scrim {
+        opacity: 0.7
+        onPressed: dialog.leave()
+    }
 
     Rounded {
         anchors.centerIn: parent
@@ -46,6 +52,8 @@ Item {
         color: Theme.sheet
         edgeWidth: 1
         edge: Theme.line
+
+        MouseArea { anchors.fill: parent }  // beside a button is not beside the dialog
 
         Column {
             id: column
@@ -58,6 +66,7 @@ Item {
             FittedText {
                 room: parent.width
                 text: dialog.title
+                visible: text !== ""
                 size: dialog.metrics.by(26, 30, 30)
                 font.family: Theme.serif
                 horizontalAlignment: Text.AlignHCenter

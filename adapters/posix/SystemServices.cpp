@@ -1,9 +1,7 @@
-#include "adapters/rating/SerialThread.h"
+#include "adapters/posix/SystemServices.h"
 
 #include <sys/resource.h>
 #include <unistd.h>
-
-#include <utility>
 
 namespace endpin {
 namespace {

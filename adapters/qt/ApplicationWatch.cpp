@@ -1,6 +1,7 @@
-#include "adapters/rating/ActivationWatch.h"
+#include "adapters/qt/ApplicationWatch.h"
 
 #include <QGuiApplication>
+#include <QWindow>
 #include <utility>
 
 namespace endpin {
@@ -39,6 +40,38 @@ std::function<void()> ActivationWatch::firstFrom(ObserverId& observer) {
   if (found == observers_.end()) return {};
   observer = found->first + 1;
   return found->second;
+}
+
+ForegroundWatch::ForegroundWatch(QWindow& window, const Clock& clock, std::function<void()> entered)
+    : window_(window),
+      clock_(clock),
+      entered_(std::move(entered)),
+      state_(QGuiApplication::applicationState()) {
+  QObject::connect(&window_, &QWindow::visibilityChanged, &connections_, [this] { look(); });
+  QObject::connect(qGuiApp, &QGuiApplication::applicationStateChanged, &connections_,
+                   [this](Qt::ApplicationState state) {
+                     state_ = state;
+                     look();
+                   });
+  look();
+}
+
+bool ForegroundWatch::hidden() const {
+  const auto visibility = window_.visibility();
+  return visibility == QWindow::Hidden || visibility == QWindow::Minimized ||
+         state_ == Qt::ApplicationHidden || state_ == Qt::ApplicationSuspended;
+}
+
+void ForegroundWatch::look() {
+  const bool isHidden = hidden();
+  if (isHidden || state_ != Qt::ApplicationActive) {
+    if (!awaySince_) awaySince_ = clock_.secondsSince1970();
+    wasHidden_ = wasHidden_ || isHidden;
+    return;
+  }
+  const auto since = std::exchange(awaySince_, {});
+  const bool left = since && clock_.secondsSince1970() - *since >= kAway;
+  if (std::exchange(wasHidden_, false) || left) entered_();
 }
 
 }  // namespace endpin
