@@ -32,7 +32,8 @@ class RatingManners {
   using Show = std::function<bool()>;
 
   // Calls `show` when it has been silent long enough, and again until it succeeds: it takes the
-  // place of one that waits. Drops it when the user was asked in this run or wants to be left alone.
+  // place of one that waits. Drops it when the user was asked in this run or wants to be left
+  // alone.
   void whenPolite(Show show);
 
  private:

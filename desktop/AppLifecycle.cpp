@@ -5,8 +5,8 @@
 
 namespace endpin {
 
-AppLifecycle::AppLifecycle(Application& application, const Platform& platform,
-                           LayoutWindow& window, const Outside& outside)
+AppLifecycle::AppLifecycle(Application& application, const Platform& platform, LayoutWindow& window,
+                           const Outside& outside)
     : motion_([&window](bool reduced) { window.setReducedMotion(reduced); }),
       screen_(window.window(),
               {.runLoop = platform.runLoop,
@@ -14,16 +14,14 @@ AppLifecycle::AppLifecycle(Application& application, const Platform& platform,
                .settings = platform.settings,
                .stringSounds = [&application] { return application.controller().stringSounds(); }},
               platform.log),
-      urlOpener_(platform.log,
-                 [this, &bundle = platform.bundle] {
-                   screen_.showNotice(bundle.localizedString("StorePageUnopened", "", ""),
-                                      bundle.localizedString("CloseTitle", "", ""));
-                 }) {
+      urlOpener_(platform.log, [this, &bundle = platform.bundle] {
+        screen_.showNotice(bundle.localizedString("StorePageUnopened", "", ""),
+                           bundle.localizedString("CloseTitle", "", ""));
+      }) {
   if (!window.isPicture()) usePlatform(platform, outside);
   application.launch(window);
   if (!window.hasLayout()) throw ProgramError(kExitFailure, "the screen cannot be shown");
-  watch_.emplace(window.window(), outside.clock,
-                 [&application] { application.enterForeground(); });
+  watch_.emplace(window.window(), outside.clock, [&application] { application.enterForeground(); });
 }
 
 AppLifecycle::~AppLifecycle() {

@@ -2,10 +2,10 @@
 // and the one request that the application ever sends, which asks a public web page for nothing but
 // a sign of life.
 //
-// The routing table says whether there is a way: a datagram socket is connected, which sends nothing
-// and takes a few microseconds. The request runs on a thread that nobody waits for and that ends
-// with the process at the latest: a name server that does not answer holds a look-up for half a
-// minute, and the toolkit's own would hold up the end of the application that long.
+// The routing table says whether there is a way: a datagram socket is connected, which sends
+// nothing and takes a few microseconds. The request runs on a thread that nobody waits for and that
+// ends with the process at the latest: a name server that does not answer holds a look-up for half
+// a minute, and the toolkit's own would hold up the end of the application that long.
 //
 // A build without the network (ENDPIN_NETWORK=OFF) has no code that sends. One object a process.
 // Thread: any. Neither call waits.

@@ -3,8 +3,8 @@
 // open that.
 //
 // The dialog is the item named "ratingDialog" with the properties `title`, `message`, `buttons`
-// (captions) and `shown`, in an item whose `openPanel` names the panel that is open. It hides itself
-// and then emits `chosen(int)`, the index of the button that was pressed, -1 for none.
+// (captions) and `shown`, in an item whose `openPanel` names the panel that is open. It hides
+// itself and then emits `chosen(int)`, the index of the button that was pressed, -1 for none.
 //
 // Thread: main, but for the visibility of an alert (any).
 #pragma once
@@ -28,8 +28,8 @@ class RatingScreen final : public QObject, public ScreenWindows, public ModernAl
   Q_OBJECT
 
  public:
-  // All outlive the screen, which outlives its alerts. The layout may come later than the screen and
-  // go before it. A layout without a dialog shows none, and says so in the log once.
+  // All outlive the screen, which outlives its alerts. The layout may come later than the screen
+  // and go before it. A layout without a dialog shows none, and says so in the log once.
   RatingScreen(QQuickWindow& window, const RatingManners::Ports& manners, Log& log);
   ~RatingScreen() override;
 
@@ -42,8 +42,8 @@ class RatingScreen final : public QObject, public ScreenWindows, public ModernAl
   std::shared_ptr<ModernAlert> newAlert(const std::string& title, const std::string& message,
                                         AlertControllerStyle style) override;
 
-  // Tells the user something in the same dialog, as soon as what runs now has returned. Not while an
-  // alert is on the screen.
+  // Tells the user something in the same dialog, as soon as what runs now has returned. Not while
+  // an alert is on the screen.
   void showNotice(const std::string& text, const std::string& button);
 
  private Q_SLOTS:

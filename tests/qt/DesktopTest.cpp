@@ -11,7 +11,7 @@
 #include "adapters/log/NullLog.h"
 #include "adapters/sqlite/SqliteStore.h"
 #include "desktop/GuiStart.h"
-#include "rating/UsageBook.h"
+#include "rating/UsageTracker.h"
 #include "tests/fakes/FakePlatform.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/PrivateSoundServer.h"
@@ -167,8 +167,8 @@ TEST_F(DesktopTest, APictureIsNoUse) {
   NullLog log;
   const SqliteStore own(file, log);
   EXPECT_TRUE(own.boolForKey("NewFirstLaunchCello"));
-  EXPECT_EQ(own.integerForKey(UsageBook::kUseCount), 0);
-  EXPECT_EQ(own.doubleForKey(UsageBook::kFirstUseDate), 0);
+  EXPECT_EQ(own.integerForKey(UsageTracker::kUseCount), 0);
+  EXPECT_EQ(own.doubleForKey(UsageTracker::kFirstUseDate), 0);
 }
 
 // The log is a local of main, and the toolkit has its say to the end of the process.

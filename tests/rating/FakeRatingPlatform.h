@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "app/RatingManners.h"
 #include "rating/RatingPrompt.h"
 #include "tests/fakes/FakePlatform.h"
 
@@ -24,11 +25,16 @@ struct Fake : Base, Shown {
   }
   void presentViewController(std::shared_ptr<ScreenController> controller, bool withAnimation,
                              Completion completion) override {
-    auto& shown = dynamic_cast<Shown&>(*controller);
-    shown.onScreen = true;
-    shown.animated = withAnimation;
-    presented = std::move(controller);
-    if (completion) completion();
+    const auto show = [=, this] {
+      auto& shown = dynamic_cast<Shown&>(*controller);
+      shown.onScreen = true;
+      shown.animated = withAnimation;
+      presented = controller;
+      if (completion) completion();
+      return true;
+    };
+    if (!manners) static_cast<void>(show());
+    if (manners) manners->whenPolite(show);
   }
   void dismissViewController(bool withAnimation, Completion completion) override {
     onScreen = false;
@@ -36,6 +42,7 @@ struct Fake : Base, Shown {
     if (completion) completion();
   }
   std::shared_ptr<ScreenController> presented;
+  RatingManners* manners = nullptr;  // without, whatever is asked for appears at once
 };
 
 using Strings = std::vector<std::string>;

@@ -390,14 +390,16 @@ TEST_F(RatingTest, FlagsThatCannotBeReadAreLogged) {
   SystemNetwork network(true, "");
   world.reachability = &network;
   use(World::kModern);
+  static_cast<void>(world.prompt().connectedToNetwork());  // a checked build opens files at first
   rlimit usual{};
   getrlimit(RLIMIT_NOFILE, &usual);
   const rlimit none{0, usual.rlim_max};
   setrlimit(RLIMIT_NOFILE, &none);
+  world.log.lines.clear();
   EXPECT_FALSE(world.prompt().connectedToNetwork());
   setrlimit(RLIMIT_NOFILE, &usual);
   EXPECT_EQ(world.log.lines, Strings{"Error. Could not recover network reachability flags"});
-  EXPECT_EQ(world.probes, 0);
+  EXPECT_EQ(world.probes, 1) << "of the call before";
 }
 
 TEST(ThreadQueues, KeepTheOrderStepBackAndEndWithWhatRuns) {

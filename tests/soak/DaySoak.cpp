@@ -85,7 +85,8 @@ struct Script {
     constexpr std::array<void (View::*)(), 9> kButtons = {
         &View::setA392, &View::setA415, &View::setA432, &View::setA440, &View::setA441,
         &View::setA442, &View::setA443, &View::setA444, &View::setA466};
-    (world.controller.*kButtons[which])();
+    View& view = world.controller;  // GCC 12 has the wrong address checked without the name
+    (view.*kButtons[which])();
     preset = which;
     a4 = a4Shown = kPitches[which];
     rings = {};
@@ -106,7 +107,8 @@ struct Script {
                                                         &View::playC2};
     fork = true;
     world.controller.disableTemporarilySoundConfirmation();
-    (world.controller.*kTones[dice.below(kTones.size())])();
+    View& view = world.controller;  // see above
+    (view.*kTones[dice.below(kTones.size())])();
   }
   void stopFork() {
     fork = false;
@@ -312,6 +314,13 @@ class Day {
                  fmt::format("{}, in tune by string: {}", world_.ticks, fmt::join(inTune_, " ")));
     bounds_.atMost("strings never judged in tune",
                    static_cast<double>(std::count(inTune_.begin(), inTune_.end(), 0)), 2);
+    const auto& asked = world_.askedAfter;
+    bounds_.atMost("rating dialogs off from one a run",
+                   std::abs(static_cast<double>(asked.size()) - 1), 0);
+    bounds_.atMost("rating dialogs without ten seconds of silence",
+                   static_cast<double>(std::count_if(asked.begin(), asked.end(),
+                                                     [](int ticks) { return ticks < 100; })),
+                   0);
     bounds_.atMost("contradictions", complaints_, 0);
     bounds_.atMost("blocks lost", static_cast<double>(world_.microphone->lostBlocks()), 0);
     bounds_.atMost("timers", world_.runLoop.timers, 2);

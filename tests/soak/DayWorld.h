@@ -50,6 +50,7 @@ class DayWorld : AudioInput, AudioOutput, OfflineSession, Screen {
     settings_.setInteger("a4InHzSavedValue", 440);
     settings_.setBool("NewFirstLaunchCello", true);
     rating.use(fakes::FakeRatingPlatform::kModern);
+    rating.root.manners = &manners_;
     application_.launch(*this);
   }
   DayWorld(const DayWorld&) = delete;
@@ -66,6 +67,10 @@ class DayWorld : AudioInput, AudioOutput, OfflineSession, Screen {
     microphone->deliver(captured);
     runLoop.runUntil(now());
     rating.advance(0.1);
+    silentTicks = controller.stringSounds() ? 0 : silentTicks + 1;
+    const bool asks = rating.alert && rating.alert->onScreen;
+    if (asks && !std::exchange(asking_, asks)) askedAfter.push_back(silentTicks);
+    asking_ = asks;
     rating.log.lines.clear();
     rating.store.writes.clear();
   }
@@ -98,6 +103,8 @@ class DayWorld : AudioInput, AudioOutput, OfflineSession, Screen {
   bool forkRuns = false;
   int forks = 0;
   std::uint64_t ticks = 0;
+  int silentTicks = 0;          // until now
+  std::vector<int> askedAfter;  // so many silent ticks, each time the rating dialog appeared
   CountedRunLoop runLoop;
   CountingPlayers players;
   fakes::FakeRatingPlatform rating;
@@ -144,6 +151,11 @@ class DayWorld : AudioInput, AudioOutput, OfflineSession, Screen {
   Platform platform_{*this, *this, players, *this, runLoop, settings_, device_, bundle_, log_};
   std::function<void(AudioOutputBuffer, std::uint32_t)> pull_;
   std::uint64_t samples_ = 0;
+  bool asking_ = false;
+  RatingManners manners_{
+      {.runLoop = runLoop, .clock = rating, .settings = rating.store, .stringSounds = [this] {
+         return controller.stringSounds();
+       }}};
   Application application_{platform_, false};
 
  public:
