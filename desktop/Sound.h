@@ -33,7 +33,8 @@ class Sound {
  private:
   std::optional<FileInput> file_;
   CubebMicrophone microphone_;
-  DesktopAudioSession session_;
+  SoundServer server_;
+  DesktopAudioSession session_{server_};
   CubebPlayers players_;
   CubebOutput output_;
 };

@@ -32,8 +32,8 @@ struct HearingTest : ::testing::Test {
   ViewController& screen() { return application->controller(); }
   void hear(double hertz, float level = 0.1F) {
     fake.input.queue->level = {level, level};
-    fake.input.queue->deliver(testing::toS16(
-        testing::harmonics(7019.5, 4096 / 7019.5, hertz, {0.1, 0.05, 0.03, 0.02})));
+    fake.input.queue->deliver(
+        testing::toS16(testing::harmonics(7019.5, 4096 / 7019.5, hertz, {0.1, 0.05, 0.03, 0.02})));
     fake.runLoop.advance(0.1);
   }
   void silence() {
@@ -73,7 +73,7 @@ TEST_F(HearingTest, SaysWhyNothingIsHeardOnceAndTakesItBackAtOnce) {
 
 TEST_F(HearingTest, TheLevelRisesAtOnceAndFallsAStepATick) {
   start();
-  const std::pair<float, double> rows[] = {{0.0019F, 0}, {0.002F, 1}, {0.003F, 2},  {0.0045F, 3},
+  const std::pair<float, double> rows[] = {{0.0019F, 0}, {0.002F, 1}, {0.003F, 2}, {0.0045F, 3},
                                            {0.005F, 4},  {0.02F, 5},  {0.045F, 6}, {1.0F, 7}};
   for (const auto& [power, step] : rows) {
     fake.input.queue->level = {power, power};

@@ -231,7 +231,8 @@ class LiveScreen {
   CubebMicrophone microphone_{"", log_};
   CubebOutput output_;
   CubebPlayers players_;
-  DesktopAudioSession session_;
+  SoundServer server_;
+  DesktopAudioSession session_{server_};
   MemoryStore settings_;
   QtRunLoop runLoop_;
   Platform platform_{microphone_, session_, players_, output_, runLoop_,
