@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <charconv>
 #include <cmath>
 
@@ -37,7 +38,10 @@ std::size_t placeOf(const std::string& text, const std::array<const char*, 4>& n
 }
 
 std::size_t parseString(const std::string& text) {
-  const std::size_t place = placeOf(text, kStringNotes);
+  std::string note = text;
+  std::transform(note.begin(), note.end(), note.begin(),
+                 [](unsigned char letter) { return static_cast<char>(std::toupper(letter)); });
+  const std::size_t place = placeOf(note, kStringNotes);
   if (place == kStringNotes.size()) reject("--string", "A3, D3, G2 or C2", text);
   return place;
 }
@@ -151,6 +155,22 @@ std::int64_t parseA4(const std::string& text) {
   return a4;
 }
 
+namespace {
+
+// The parser would only say that a command is missing.
+void rejectUnknownCommand(const CLI::App& app, int argc, const char* const* argv) {
+  const std::string first = argc > 1 ? argv[1] : "-";
+  const auto commands = app.get_subcommands([](const CLI::App*) { return true; });
+  const bool known = std::any_of(commands.begin(), commands.end(), [&](const CLI::App* command) {
+    return command->get_name() == first;
+  });
+  if (known || first.starts_with('-')) return;
+  rejectArguments(fmt::format(
+      "there is no command \"{}\", only listen, frequencies and tone (--help explains)", first));
+}
+
+}  // namespace
+
 Command parseCommandLine(int argc, const char* const* argv) {
   Arguments arguments;
   CLI::App app("Endpin, a tuner for the cello, in the terminal", "endpin-cli");
@@ -159,6 +179,7 @@ Command parseCommandLine(int argc, const char* const* argv) {
   addListen(app, arguments);
   const CLI::App* frequencies = addFrequencies(app, arguments);
   const CLI::App* tone = addTone(app, arguments);
+  rejectUnknownCommand(app, argc, argv);
   if (const auto text = parseArguments(app, argc, argv)) return *text;
   const CLI::App& chosen = *app.get_subcommands().front();
   rejectEmptyTexts(chosen);

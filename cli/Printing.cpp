@@ -1,6 +1,7 @@
 #include "cli/Printing.h"
 
 #include <fmt/format.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -43,6 +44,15 @@ std::string lamp(const TickReport& report, TextStyle style) {
   return coloured(text, report.inTune() ? kGreen : kYellow, style);
 }
 
+// The lamp tells by its form, too.
+std::string verdictText(const TickReport& report, TextStyle style) {
+  const char* green = style.utf8 ? "\u25cf" : "*";
+  const char* yellow = style.utf8 ? "\u25cb" : "-";
+  const std::string mark =
+      report.inTune() ? coloured(green, kGreen, style) : coloured(yellow, kYellow, style);
+  return fmt::format("{} {:2} {}", mark, report.noteDisplay, report.freq_label);
+}
+
 // From silence to full scale in decibels.
 std::string levelBar(float power, TextStyle style) {
   constexpr int kCells = 15;
@@ -65,6 +75,10 @@ std::string strings(const TickReport& report, TextStyle style) {
     text += report.rings[i] ? coloured(kStringNotes[i], kGreen, style) : "--";
   }
   return text;
+}
+
+std::string beginText(const std::string& microphone, std::int64_t a4) {
+  return fmt::format("Listening to {} at A4 = {} Hz. Ctrl-C ends.\n", microphone, a4);
 }
 
 bool environmentHas(const char* variable) {
@@ -97,7 +111,15 @@ void Output::flush() {
 }
 
 bool Output::isTerminal() const {
-  return isatty(fileno(stream_)) != 0;
+  const char* kind = std::getenv("TERM");
+  const bool dumb = kind && std::string_view(kind) == "dumb";
+  return isatty(fileno(stream_)) != 0 && !dumb;
+}
+
+std::size_t Output::columns() const {
+  winsize size{};
+  const bool known = ioctl(fileno(stream_), TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+  return known ? size.ws_col : 80;
 }
 
 TickReport reportTick(std::uint64_t number, const Session& session) {
@@ -129,8 +151,12 @@ std::string jsonLine(const TickReport& report) {
 }
 
 std::string statusText(const TickReport& report, TextStyle style) {
-  return fmt::format("{}  {}  {}  tuned {}  A4 {}", reading(report), lamp(report, style),
-                     levelBar(report.power, style), strings(report, style), report.a4);
+  const auto text = [&report](TextStyle in) {
+    return fmt::format("{}  {}  {}  tuned {}  A4 {}", reading(report), lamp(report, in),
+                       levelBar(report.power, in), strings(report, in), report.a4);
+  };
+  const bool fits = text({}).size() <= style.columns;  // plain, a letter is a column
+  return fits ? text(style) : verdictText(report, style);
 }
 
 std::string changeText(const TickReport& report) {
@@ -153,12 +179,18 @@ void ChangePrinter::print(const TickReport& report) {
 StatusPrinter::StatusPrinter(Output& output)
     : output_(output), colour_(!environmentHas("NO_COLOR")), utf8_(terminalIsUtf8()) {}
 
+void ChangePrinter::begin(const std::string& microphone, std::int64_t a4) {
+  output_.write(beginText(microphone, a4));
+  output_.flush();
+}
+
 void StatusPrinter::begin(const std::string& microphone, std::int64_t a4) {
-  output_.write(fmt::format("Listening to {} at A4 = {} Hz. Ctrl-C ends.\n", microphone, a4));
+  output_.write(beginText(microphone, a4));
 }
 
 void StatusPrinter::print(const TickReport& report) {
-  output_.write(kBeginStatus + statusText(report, {colour_, utf8_}) + kEndStatus);
+  output_.write(kBeginStatus + statusText(report, {colour_, utf8_, output_.columns()}) +
+                kEndStatus);
   output_.flush();
   onLine_ = true;
 }

@@ -22,7 +22,10 @@ class Output {
   void write(std::string_view text);
   void flush();
 
+  // Whether it can be written over in place.
   [[nodiscard]] bool isTerminal() const;
+  // Width of the terminal; 80 where it is not known.
+  [[nodiscard]] std::size_t columns() const;
 
  private:
   std::FILE* stream_;
@@ -51,9 +54,11 @@ struct TickReport {
 struct TextStyle {
   bool colour = false;
   bool utf8 = false;
+  std::size_t columns = 80;
 };
 
-// Frequency, note, lamp, level, the strings tuned so far and A4, on one line without its end.
+// Frequency, note, lamp, level, the strings tuned so far and A4, on one line without its end; where
+// they do not fit, lamp, note and frequency in twelve columns.
 [[nodiscard]] std::string statusText(const TickReport& report, TextStyle style);
 
 // The same in plain letters without the level, which never stands still.
@@ -92,6 +97,7 @@ class JsonPrinter : public TickPrinter {
 class ChangePrinter : public TickPrinter {
  public:
   ChangePrinter(Output& output, bool live) : output_(output), live_(live) {}
+  void begin(const std::string& microphone, std::int64_t a4) override;
   void print(const TickReport& report) override;
   void finish() override { output_.flush(); }
 

@@ -85,6 +85,7 @@ TEST_F(CommandLine, BadInputGetsOneLineAndAFailingExitCode) {
   expectRefused({"listen", "--input"}, {2});
   expectRefused({"listen", "--bogus"}, {2});
   expectRefused({"sing"}, {2});
+  EXPECT_NE(run({"sing"}).errors.find("\"sing\""), std::string::npos);
   expectRefused({"listen", "--json", "--input-device", "no-such-device"}, {1});
   expectRefused({"listen", "--json"}, {1});
   expectRefused({"tone", "--string=A3", "--seconds=0.1"}, {2});
