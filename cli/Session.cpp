@@ -6,7 +6,9 @@ namespace endpin {
 
 Session::Session(const Parts& parts)
     : players_(parts.players),
-      bundle_({applicationResourcePath(), environmentLanguage(), ENDPIN_VERSION}, parts.log),
+      bundle_({applicationResourcePath(), environmentLanguage(applicationResourcePath()),
+               ENDPIN_VERSION},
+              parts.log),
       platform_{.audioInput = parts.microphone,
                 .audioSession = audioSession_,
                 .audioPlayers = players_,

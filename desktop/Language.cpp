@@ -24,23 +24,15 @@ std::vector<std::string> languagesIn(const std::string& resourcePath) {
   return tags;
 }
 
-// Whether `tag` is one of ours or one of its regions: "pt-BR" for "pt".
-bool speaks(const std::vector<std::string>& languages, const std::string& tag) {
-  return std::any_of(languages.begin(), languages.end(), [&](const std::string& language) {
-    return tag == language || (tag.starts_with(language) && tag[language.size()] == '-');
-  });
-}
-
 }  // namespace
 
 std::string chooseLanguage(const std::string& wanted, const std::string& resourcePath) {
-  if (wanted.empty()) return environmentLanguage();
+  if (wanted.empty()) return environmentLanguage(resourcePath);
   const std::string tag = languageTag(wanted);
-  const auto languages = languagesIn(resourcePath);
-  if (speaks(languages, tag) && wanted != "C" && wanted != "POSIX") return tag;
+  if (hasTexts(resourcePath, tag) && wanted != "C" && wanted != "POSIX") return tag;
   throw ProgramError(kExitUsage,
                      fmt::format("there are no texts in the language \"{}\", only in {}", wanted,
-                                 fmt::join(languages, ", ")));
+                                 fmt::join(languagesIn(resourcePath), ", ")));
 }
 
 }  // namespace endpin

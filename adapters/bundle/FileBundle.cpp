@@ -1,6 +1,5 @@
 #include "adapters/bundle/FileBundle.h"
 
-#include <algorithm>
 #include <exception>
 #include <fstream>
 #include <nlohmann/json.hpp>
@@ -12,15 +11,10 @@ namespace {
 constexpr std::string_view kDefaultTable = "Localizable";
 constexpr std::string_view kDefaultLanguage = "en";
 
-// The tag, the tag without region, English; each once.
+// What stands in for a language without a table: what its readers can read, then English.
 std::vector<std::string> languagesFor(const std::string& tag) {
-  std::vector<std::string> languages;
-  for (const std::string& each :
-       {tag, tag.substr(0, tag.find('-')), std::string(kDefaultLanguage)}) {
-    if (!each.empty() && std::find(languages.begin(), languages.end(), each) == languages.end()) {
-      languages.push_back(each);
-    }
-  }
+  std::vector<std::string> languages = readableTags(tag);
+  if (languages.back() != kDefaultLanguage) languages.emplace_back(kDefaultLanguage);
   return languages;
 }
 
@@ -34,33 +28,39 @@ FileBundle::~FileBundle() = default;
 std::string FileBundle::localizedString(std::string_view key, std::string_view value,
                                         std::string_view table) const {
   const std::lock_guard lock(mutex_);
-  for (const std::string& language : languages_) {
-    const Texts& inLanguage = texts(table.empty() ? kDefaultTable : table, language);
-    if (const auto found = inLanguage.find(key); found != inLanguage.end()) return found->second;
-  }
+  const Texts& inUse = tableInUse(table.empty() ? kDefaultTable : table).texts;
+  if (const auto found = inUse.find(key); found != inUse.end()) return found->second;
   return std::string(value.empty() ? key : value);
 }
 
 std::vector<std::string> FileBundle::defaultKeys() const {
   const std::lock_guard lock(mutex_);
   std::vector<std::string> keys;
-  for (const auto& [key, text] : texts(kDefaultTable, std::string(kDefaultLanguage))) {
-    keys.push_back(key);
-  }
+  for (const auto& [key, text] : tableInUse(kDefaultTable).texts) keys.push_back(key);
   return keys;
 }
 
-const FileBundle::Texts& FileBundle::texts(std::string_view table,
-                                           const std::string& language) const {
-  const std::string name = std::string(table) + '/' + language;
-  const auto found = loaded_.find(name);
-  if (found != loaded_.end()) return found->second;
-  return loaded_.emplace(name, load(name)).first->second;
+std::string FileBundle::language() const {
+  const std::lock_guard lock(mutex_);
+  return tableInUse(kDefaultTable).language;
 }
 
-// A missing file is an empty table: not every language has every text. What can be opened and not
-// read, such as a folder, makes the stream throw, not the parser.
-FileBundle::Texts FileBundle::load(const std::string& name) const {
+const FileBundle::Table& FileBundle::tableInUse(std::string_view name) const {
+  const auto found = loaded_.find(name);
+  if (found != loaded_.end()) return found->second;
+  Table table{std::string(kDefaultLanguage), {}};
+  for (const std::string& language : languages_) {
+    if (auto texts = load(std::string(name) + '/' + language)) {
+      table = {language, std::move(*texts)};
+      break;
+    }
+  }
+  return loaded_.emplace(name, std::move(table)).first->second;
+}
+
+// Nothing where there is no file. What can be opened and not read, such as a folder, makes the
+// stream throw, not the parser.
+std::optional<FileBundle::Texts> FileBundle::load(const std::string& name) const {
   const std::string path = place_.resourcePath + "/texts/" + name + ".json";
   std::ifstream file(path);
   if (!file) return {};

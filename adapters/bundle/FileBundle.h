@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,7 +18,7 @@ class FileBundle : public Bundle {
  public:
   struct Place {
     std::string resourcePath;  // without a slash at the end
-    std::string language;      // tag such as "pt-BR"; the texts of "pt", then "en", stand in
+    std::string language;      // tag such as "pt-BR"
     std::string version;       // of the application
   };
 
@@ -27,12 +28,15 @@ class FileBundle : public Bundle {
 
   [[nodiscard]] std::string resourcePath() const override { return place_.resourcePath; }
 
-  // Without a text in the user's language the same key is looked for in English.
+  // A table stands in one language only: the user's, or where there is none that can be read the
+  // nearest (see readableTags), or English. A text that it lacks is asked of no other.
   [[nodiscard]] std::string localizedString(std::string_view key, std::string_view value,
                                             std::string_view table) const override;
 
-  // The keys of the default table in English, which has them all; none when it cannot be read.
+  // The keys of the default table; none when it cannot be read.
   [[nodiscard]] std::vector<std::string> defaultKeys() const;
+  // The language of its texts, a tag such as "zh-Hans".
+  [[nodiscard]] std::string language() const;
 
   // "CFBundleVersion", "CFBundleDisplayName" and "CFBundleName". The names are not translated.
   [[nodiscard]] std::optional<std::string> infoValue(std::string_view key) const override;
@@ -41,26 +45,40 @@ class FileBundle : public Bundle {
  private:
   using Texts = std::map<std::string, std::string, std::less<>>;
 
-  // The texts under TABLE/TAG; the mutex is held.
-  const Texts& texts(std::string_view table, const std::string& language) const;
-  [[nodiscard]] Texts load(const std::string& name) const;
+  struct Table {
+    std::string language;
+    Texts texts;
+  };
+
+  // The table of that name in the nearest language; the mutex is held.
+  const Table& tableInUse(std::string_view name) const;
+  [[nodiscard]] std::optional<Texts> load(const std::string& name) const;
 
   const Place place_;
   const std::vector<std::string> languages_;  // in the order in which they are asked
   Log& log_;
   mutable std::mutex mutex_;
-  mutable std::map<std::string, Texts> loaded_;  // by TABLE/TAG, read when first asked for
+  mutable std::map<std::string, Table, std::less<>> loaded_;  // read when first asked for
 };
 
 // Where this program's resources are: the folder "resources" beside the executable, or else
 // ../share/endpin from there.
 [[nodiscard]] std::string applicationResourcePath();
 
-// The language that the environment asks for (LC_ALL, LC_MESSAGES, LANG) as a tag: "de_AT.UTF-8"
-// gives "de-AT", none gives "en", Chinese gives its script.
-[[nodiscard]] std::string environmentLanguage();
-
-// The same for one value of such a variable.
+// The name of a locale, or a tag however it is written, as the tag we go by: "de_AT.UTF-8" gives
+// "de-AT", "C" and nothing give "en", Chinese gives its script: "zh-Hans" or "zh-Hant".
 [[nodiscard]] std::string languageTag(std::string_view localeName);
+
+// That tag and what those who speak it can read as well, the best first: the language of a region,
+// the other Chinese script.
+[[nodiscard]] std::vector<std::string> readableTags(const std::string& tag);
+
+// Whether there are texts in one of these under `resourcePath`.
+[[nodiscard]] bool hasTexts(const std::string& resourcePath, const std::string& tag);
+
+// The first language with such texts that the environment asks for, as a tag, or English. It asks
+// as it asks other programs: with LC_ALL, else LC_MESSAGES, else LANG; and if these name a language
+// at all, LANGUAGE can give a list in their place.
+[[nodiscard]] std::string environmentLanguage(const std::string& resourcePath);
 
 }  // namespace endpin
