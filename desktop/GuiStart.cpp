@@ -2,6 +2,7 @@
 
 #include <QIcon>
 #include <QInputDevice>
+#include <QLocale>
 #include <QOpenGLContext>
 #include <QQuickWindow>
 #include <QScreen>
@@ -86,6 +87,14 @@ void setUpToolkit(const Options& options) {
 }
 
 }  // namespace
+
+void speak(const std::string& language) {
+  const QLocale locale(QString::fromStdString(language));
+  QLocale::setDefault(locale);
+  // The toolkit leaves it to the font library to choose among fonts that draw the same character in
+  // another way, and that library goes by the environment.
+  qputenv("FC_LANG", locale.name().toLatin1());
+}
 
 Gui::Gui(char** arguments, const Options& options, Log& log) {
   static int argumentCount = 1;  // the toolkit keeps a reference; our options are not its own

@@ -12,6 +12,10 @@
 
 namespace endpin {
 
+// Makes the toolkit speak the language of our texts, a tag such as "zh-Hans": among other things it
+// then draws their characters in the forms of that language. Before the Gui.
+void speak(const std::string& language);
+
 // The toolkit, from its start to its end. One at a time.
 class Gui {
  public:

@@ -37,6 +37,7 @@ int run(const Options& options, char** arguments) {
   FileBundle bundle({resources, language, ENDPIN_VERSION}, log);
   Sound sound(options, log);
 
+  speak(bundle.language());
   const Gui gui(arguments, options, log);
   const QuitSignals quitSignals;
   QtRunLoop runLoop;

@@ -209,6 +209,22 @@ TEST_F(DesktopTest, ShowsItselfOnWaylandWithoutAnyInput) {
   expectOrderlyEnd("First frame", SIGTERM);
 }
 
+// Chinese and Japanese draw some characters in different ways. Which way is right depends on the
+// texts, not on what the rest of the desktop is written in.
+TEST_F(DesktopTest, DrawsTheCharactersOfTheLanguageThatItSpeaks) {
+  const auto font = [](const char* language) {
+    return testing::runToEnd({"fc-match", std::string("sans:lang=") + language}, 10s).output;
+  };
+  if (font("zh-cn") == font("ja")) GTEST_SKIP() << "no fonts that tell Chinese from Japanese";
+  std::vector<QImage> sheets;
+  for (const auto& [locale, tag] : {std::pair("zh_CN", "zh-TW"), {"ja_JP", "zh-CN"}}) {
+    environment["LC_ALL"] = std::string(locale) + ".UTF-8";
+    const QImage picture = screen("0.3", {"--language", tag, "--panel", "about"});
+    sheets.push_back(picture.copy(0, picture.height() / 2, picture.width(), 600));
+  }
+  EXPECT_EQ(sheets[0], sheets[1]);
+}
+
 TEST_F(DesktopTest, WritesNumbersWithAPointInALocaleWithAComma) {
   const Finished made = testing::runToEnd(
       {"localedef", "-i", "de_DE", "-f", "UTF-8", folder.file("de_DE.UTF-8")}, 60s);
