@@ -55,8 +55,9 @@ const DeviceModel& desktopDevice() {
 
 std::optional<DeviceModel> deviceForScreen(double width, double height, bool touch) {
   const double shortSide = std::min(width, height);
-  const bool phone = shortSide < kWidestPhone;
-  const bool tablet = touch && height > width && shortSide <= kWidestTablet;
+  const bool upright = height > width;
+  const bool phone = shortSide < kWidestPhone && (touch || upright);
+  const bool tablet = shortSide <= kWidestTablet && touch && upright;
   if (shortSide <= 0 || (!phone && !tablet)) return {};
 
   const InterfaceIdiom idiom = phone ? Phone : Tablet;

@@ -31,9 +31,9 @@ struct DeviceModel {
 [[nodiscard]] const DeviceModel& desktopDevice();
 
 // The device whose layout is to fill a screen of this size (points): nothing on a desktop, which
-// shows a window. Small screens are those whose short side is under 500 points, and touch screens
-// that stand upright up to the size of a large tablet; a touch screen that lies is most likely a
-// laptop's.
+// shows a window. A phone's screen is under 500 points wide, and can be touched or stands upright;
+// a tablet's, up to the size of a large one, does both: a larger one that lies is most likely a
+// laptop's, and so is a small one without touch, whose desktop is shown enlarged.
 [[nodiscard]] std::optional<DeviceModel> deviceForScreen(double width, double height, bool touch);
 
 }  // namespace endpin

@@ -83,12 +83,12 @@ TEST(DeviceList, SmallScreensGetTheNearestLayout) {
     const char* device;
   } rows[] = {
       {390, 844, true, "phone:844"},    {360, 720, true, "phone:812"},
-      {320, 480, false, "phone:480"},   {480, 320, false, "phone:480"},
+      {320, 480, false, "phone:480"},   {480, 320, true, "phone:480"},
       {499, 900, false, "phone:736"},   {500, 900, false, "desktop"},
       {800, 1280, true, "tablet:1133"}, {1100, 1366, true, "tablet:1366"},
       {1101, 1366, true, "desktop"},    {1366, 768, true, "desktop"},
       {800, 800, true, "desktop"},      {768, 1024, false, "desktop"},
-      {0, 0, true, "desktop"},
+      {0, 0, true, "desktop"},          {853, 480, false, "desktop"},  // a laptop's, at 225 %
   };
   for (const auto& row : rows) {
     const auto model = deviceForScreen(row.width, row.height, row.touch);
