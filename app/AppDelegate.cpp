@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include "app/LayoutTable.h"
+#include "ports/DeviceTable.h"
 #include "rating/RatingPrompt.h"
 
 namespace endpin {
@@ -35,14 +35,13 @@ void AppDelegate::initializeStoryBoardBasedOnScreenSize() {
   for (const InterfaceIdiom idiom : {InterfaceIdiom::Phone, InterfaceIdiom::Tablet}) {
     if (ports_.device.userInterfaceIdiom() != static_cast<int>(idiom)) continue;
     const double screenHeight = ports_.device.screenHeight();
-    for (const StoryboardChoice& choice : storyboardChoices()) {
-      if (choice.idiom != idiom) continue;
-      for (const double height : choice.heights) {
-        if (height != screenHeight) continue;
-        ports_.screen.installLayout(choice.layout);
+    for (const DeviceModel& model : kDeviceTable) {
+      if (model.idiom != idiom) continue;
+      if (model.height == screenHeight) {
+        ports_.screen.installLayout(model.layout);
         hasWindow_ = true;
       }
-      if (choice.logsHeight) {
+      if (model.endsHeightTest) {
         ports_.log.line(fmt::format("iPhone has a height of: {:f}", screenHeight));
       }
     }

@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "calibration/StringFrequencies.h"
+#include "ports/DeviceTable.h"
 
 namespace endpin {
 
@@ -21,8 +22,8 @@ void FrequencyChart::refreshLabels(const std::array<double, 4>& frequencies,
 void FrequencyChart::showPicture(const Preset& preset, const Device& device,
                                  CalibrationOutlets& outlets) {
   if (device.isPhone()) {
-    const double height = device.screenHeight();
-    const bool large = height == 667.0 || height == 736.0;
+    const DeviceModel* model = deviceOf(InterfaceIdiom::Phone, device.screenHeight());
+    const bool large = model && model->largeChart;
     outlets.chartDisplay.setImage(large ? preset.padChart : preset.phoneChart);
   } else if (device.isTablet()) {
     outlets.chartDisplay.setImage(preset.padChart);

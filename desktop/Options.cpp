@@ -42,7 +42,11 @@ void addOptions(CLI::App& app, Arguments& into) {
 
 std::string deviceTable() {
   std::string table;
-  for (const DeviceModel& model : deviceList()) {
+  auto models = kDeviceTable;
+  std::stable_sort(models.begin(), models.end(), [](const auto& a, const auto& b) {
+    return std::pair(a.idiom, a.height) < std::pair(b.idiom, b.height);
+  });
+  for (const DeviceModel& model : models) {
     table += fmt::format("{:<12} {:>4.0f} x {:.0f}\n", nameOf(model), model.width, model.height);
   }
   return table;

@@ -7,7 +7,7 @@
 #include <variant>
 
 #include "adapters/cli11/ProgramError.h"
-#include "adapters/qt/DeviceList.h"
+#include "app/DeviceChoice.h"
 
 namespace endpin {
 

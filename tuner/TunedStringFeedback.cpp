@@ -3,36 +3,15 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <initializer_list>
+#include <string>
+
+#include "ports/DeviceTable.h"
 
 namespace endpin {
 namespace {
 
 constexpr double kRearmAfterMatch = 15.0;
 constexpr std::array<const char*, 4> kOrdinals = {"1st", "2nd", "3rd", "4th"};
-
-// Which screens show which variant of the string pictures, and in which view. The lists are the
-// screens that exist: a height in none of them gets no picture.
-struct PictureRow {
-  InterfaceIdiom idiom;
-  std::initializer_list<double> heights;  // points, compared exactly
-  ImageView TunerOutlets::*view;
-  const char* suffix;
-};
-const std::initializer_list<PictureRow> kPictures = {
-    {InterfaceIdiom::Tablet, {1024}, &TunerOutlets::tunedStringiPad, "_iPad"},
-    {InterfaceIdiom::Tablet,
-     {1080, 1112, 1133, 1180, 1194, 1210, 1366, 1376},
-     &TunerOutlets::tunedStringiPad,
-     "_iPad_Pro"},
-    {InterfaceIdiom::Phone, {480}, &TunerOutlets::tunedString, ""},
-    {InterfaceIdiom::Phone, {568}, &TunerOutlets::tunedString5, "_5"},
-    {InterfaceIdiom::Phone, {667}, &TunerOutlets::tunedString5, "_6"},
-    {InterfaceIdiom::Phone,
-     {736, 812, 844, 852, 874, 896, 926, 932, 956},
-     &TunerOutlets::tunedString5,
-     "_6plus"},
-};
 
 }  // namespace
 
@@ -46,16 +25,19 @@ void TunedStringFeedback::displayTunedString(int number) {
   showStringPicture(number);
 }
 
+// A screen of unknown height keeps the picture it has. The smallest phones have a view of their
+// own.
 void TunedStringFeedback::showStringPicture(int number) {
-  const int idiom =
-      ports_.device.userInterfaceIdiom().value_or(static_cast<int>(InterfaceIdiom::Phone));
-  const double height = ports_.device.screenHeight();
-  for (const PictureRow& row : kPictures) {
-    if (static_cast<int>(row.idiom) != idiom) continue;
-    if (std::find(row.heights.begin(), row.heights.end(), height) == row.heights.end()) continue;
-    (outlets_.*row.view)
-        .setImage(fmt::format("{}_string{}.png", kOrdinals[index(number)], row.suffix));
-  }
+  const bool tablet = ports_.device.isTablet();
+  if (!tablet && !ports_.device.isPhone()) return;
+  const DeviceModel* model = deviceOf(tablet ? InterfaceIdiom::Tablet : InterfaceIdiom::Phone,
+                                      ports_.device.screenHeight());
+  if (!model) return;
+  const std::string variant = model->stringPictures;
+  ImageView& view = tablet            ? outlets_.tunedStringiPad
+                    : variant.empty() ? outlets_.tunedString
+                                      : outlets_.tunedString5;
+  view.setImage(fmt::format("{}_string{}.png", kOrdinals[index(number)], variant));
 }
 
 void TunedStringFeedback::removeRings() {

@@ -16,8 +16,8 @@
 #include <optional>
 #include <string>
 
-#include "adapters/qt/DeviceList.h"
 #include "adapters/qt/LayoutBinder.h"
+#include "app/DeviceChoice.h"
 #include "ports/Screen.h"
 
 namespace endpin {

@@ -2,8 +2,8 @@
 // Thread: main, but for systemVersion (any).
 #pragma once
 
-#include "adapters/qt/DeviceList.h"
 #include "adapters/qt/IdleInhibitor.h"
+#include "app/DeviceChoice.h"
 #include "ports/Device.h"
 #include "ports/Log.h"
 

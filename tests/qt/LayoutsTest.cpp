@@ -9,20 +9,19 @@
 
 #include "adapters/qt/LayoutWindow.h"
 #include "app/Application.h"
-#include "app/LayoutTable.h"
 #include "tests/fakes/FakePlatform.h"
 #include "tests/qt/FindItem.h"
 
 namespace endpin {
 namespace {
 
-class LayoutsTest : public ::testing::TestWithParam<StoryboardChoice> {
+class LayoutsTest : public ::testing::TestWithParam<DeviceModel> {
  protected:
   LayoutsTest() {
     fake.device.height = model.height;
     fake.device.idiom = static_cast<int>(model.idiom);
     window.setReducedMotion(true);
-    window.installLayout(GetParam().layout);
+    window.installLayout(model.layout);
     settle();
   }
 
@@ -47,9 +46,9 @@ class LayoutsTest : public ::testing::TestWithParam<StoryboardChoice> {
     EXPECT_EQ(window.root()->property("openPanel"), "");
   }
 
-  const double height = *GetParam().heights.begin();
-  const bool tablet = GetParam().idiom == InterfaceIdiom::Tablet;
-  const DeviceModel model = *deviceNamed(nameOf({GetParam().idiom, height, 0, 0, 0}));
+  const DeviceModel model = GetParam();
+  const double height = model.height;
+  const bool tablet = model.idiom == InterfaceIdiom::Tablet;
   const char* strings = tablet ? "tunedStringiPad" : height == 480 ? "tunedString" : "tunedString5";
   const std::string variant = height == 480    ? ""
                               : height == 568  ? "_5"
@@ -193,9 +192,18 @@ TEST_P(LayoutsTest, TheTuningForkPlaysWhileItIsOpen) {
   EXPECT_EQ(faults.lines, std::vector<std::string>{});
 }
 
-INSTANTIATE_TEST_SUITE_P(Devices, LayoutsTest, ::testing::ValuesIn(storyboardChoices()),
+// One device for each layout and each place where it is shared.
+std::vector<DeviceModel> differentDevices() {
+  std::vector<DeviceModel> devices(kDeviceTable.begin(), kDeviceTable.end());
+  const auto sameLayout = [](const DeviceModel& a, const DeviceModel& b) {
+    return std::string_view(a.layout) == b.layout;
+  };
+  devices.erase(std::unique(devices.begin(), devices.end(), sameLayout), devices.end());
+  return devices;
+}
+INSTANTIATE_TEST_SUITE_P(Devices, LayoutsTest, ::testing::ValuesIn(differentDevices()),
                          [](const auto& row) {
-                           const int height = static_cast<int>(*row.param.heights.begin());
+                           const int height = static_cast<int>(row.param.height);
                            return row.param.layout + std::to_string(height);
                          });
 

@@ -4,12 +4,10 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <set>
 #include <thread>
 
-#include "adapters/qt/DeviceList.h"
 #include "adapters/qt/QtRunLoop.h"
-#include "app/LayoutTable.h"
+#include "app/DeviceChoice.h"
 
 namespace endpin {
 namespace {
@@ -61,22 +59,17 @@ TEST(QtRunLoop, CallsComeInTheOrderOfTheirDueTimesAndOnTheMainThread) {
   EXPECT_TRUE(std::ranges::is_sorted(handedOver));
 }
 
-TEST(DeviceList, HasOneDeviceForEveryHeightThatHasALayout) {
-  std::set<std::string> wanted, listed;
-  for (const auto& choice : storyboardChoices()) {
-    for (const double height : choice.heights) {
-      wanted.insert(nameOf({choice.idiom, height, 0, 0, 0}));
-    }
+TEST(DeviceChoice, DevicesAreCalledByIdiomAndHeight) {
+  for (const DeviceModel& model : kDeviceTable) {
+    EXPECT_EQ(deviceNamed(nameOf(model))->width, model.width) << nameOf(model);
   }
-  for (const DeviceModel& model : deviceList()) listed.insert(nameOf(model));
-  EXPECT_EQ(listed, wanted);
   EXPECT_EQ(deviceNamed("phone:667")->width, 375);
   for (const char* unknown : {"phone:700", "tablet:667", "phone", "phone:667.0", ""}) {
     EXPECT_FALSE(deviceNamed(unknown)) << unknown;
   }
 }
 
-TEST(DeviceList, SmallScreensGetTheNearestLayout) {
+TEST(DeviceChoice, SmallScreensGetTheNearestLayout) {
   const struct {
     double width, height;
     bool touch;

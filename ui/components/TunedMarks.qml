@@ -7,10 +7,7 @@ Item {
     required property Metrics metrics
     required property string stringOutlet
     required property string lampOutlet
-    required property string lampPicture  // before the first tick
     required property string note         // the one last in tune
-
-    Component.onCompleted: lamp.image = lampPicture
 
     PictureOutlet {
         objectName: marks.stringOutlet

@@ -10,7 +10,6 @@ Item {
     required property string celloPicture
     required property string stringOutlet  // the outlet of the string pictures
     required property string lampOutlet
-    required property string lampPicture  // before the first tick
 
     // Written from outside.
     property var texts: ({})
@@ -85,7 +84,6 @@ Item {
                 metrics: metrics
                 stringOutlet: screen.stringOutlet
                 lampOutlet: screen.lampOutlet
-                lampPicture: screen.lampPicture
                 note: readOut.note
             }
             Dock {

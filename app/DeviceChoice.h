@@ -1,27 +1,14 @@
-// The devices that the screen is drawn for: their idiom, their size and what their hardware covers.
-// A desktop simulates one of them. Thread: any.
+// Which device of the table a screen is: by the name that a user gives, or by its size.
+// Thread: any.
 #pragma once
 
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 
-#include "ports/Device.h"
+#include "ports/DeviceTable.h"
 
 namespace endpin {
-
-// Lengths in points, upright.
-struct DeviceModel {
-  InterfaceIdiom idiom;
-  double height;
-  double width;
-  double safeTop;     // under a notch or a camera
-  double safeBottom;  // under the home indicator
-};
-
-// Phones first, each kind by height.
-[[nodiscard]] std::span<const DeviceModel> deviceList();
 
 // "phone:667", "tablet:1366": how a device is named on the command line.
 [[nodiscard]] std::string nameOf(const DeviceModel& model);
