@@ -10,6 +10,8 @@
 
 #include "adapters/offline/MemoryStore.h"
 #include "app/ScreenTable.h"
+#include "audio/FineEstimator.h"
+#include "audio/LumoListener.h"
 #include "calibration/Presets.h"
 #include "fuzz/Fuzzing.h"
 #include "fuzz/TunerOnFakes.h"
@@ -42,6 +44,14 @@ class PitchRun {
     return store_;
   }
 
+  // The fine estimator promises a pitch or none, whatever it is given.
+  static void hearFinely(const std::vector<std::int16_t>& block, std::uint32_t byteLength) {
+    static FineEstimator estimator;
+    const double hertz = static_cast<double>(estimator.estimate(block.data(), byteLength));
+    require(hertz == 0 || (hertz >= FineEstimator::kLowestPitch && hertz < 3509.75),
+            "a pitch lies in the spectrum", fmt::format("{}", hertz));
+  }
+
   // A block as long as the platform hands over, odd lengths included.
   void hearBytes() {
     const std::size_t length = input_.number<std::uint16_t>() % (LumoListener::kBlockBytes + 1);
@@ -50,6 +60,7 @@ class PitchRun {
     if (!given.empty()) std::memcpy(block.data(), given.data(), given.size());
     LumoListener::sharedListener()->setAudioBuffer(block.data(),
                                                    static_cast<std::uint32_t>(length));
+    hearFinely(block, static_cast<std::uint32_t>(length));
   }
 
   // The same few bytes again and again, loud and periodic.
@@ -60,6 +71,7 @@ class PitchRun {
       block[i] = static_cast<std::int16_t>(pattern[i % pattern.size()] << 8);
     }
     tuner_.fake.input.queue->deliver(block);
+    hearFinely(block, LumoListener::kBlockBytes);
   }
 
   void bow(double hertz) {
@@ -73,6 +85,7 @@ class PitchRun {
       block[n] = static_cast<std::int16_t>(sum);
     }
     tuner_.fake.input.queue->deliver(block);
+    hearFinely(block, LumoListener::kBlockBytes);
   }
   void bowAnything() { bow(input_.number<std::uint16_t>() / 50.0); }
   void bowString() { bow(tuner_.controller.calibration().frequencies()[input_.choice(4)]); }

@@ -22,8 +22,9 @@ longest() {
 
 # Value of a figure that the fuzzer prints when it ends.
 figure() { sed -n "s/^stat::$1: *//p" "$2"; }
-# The last, or with `head` the first, number that follows a name such as cov:
-counted() { grep -aoE "$2: [0-9]+" "$3" | "$1" -n1 | grep -oE '[0-9]+' || echo 0; }
+# The first (1) or the last ($) number that follows a name such as cov: the log is read to its end,
+# for a reader that leaves early makes the search fail.
+counted() { grep -aoE "$2: [0-9]+" "$3" | sed -n "$1p" | grep -oE '[0-9]+' || echo 0; }
 
 fuzz() {
   local name=$1 log=logs/$1 before found
@@ -39,8 +40,8 @@ fuzz() {
   printf '%-18s %9s executions %7s/s  coverage %5s (+%s)  features %6s (+%s)  findings %s\n' \
     "$name" "$(figure number_of_executed_units "$log")" \
     "$(figure average_exec_per_sec "$log")" \
-    "$(counted tail cov "$log")" $(($(counted tail cov "$log") - $(counted head cov "$log"))) \
-    "$(counted tail ft "$log")" $(($(counted tail ft "$log") - $(counted head ft "$log"))) \
+    "$(counted '$' cov "$log")" $(($(counted '$' cov "$log") - $(counted 1 cov "$log"))) \
+    "$(counted '$' ft "$log")" $(($(counted '$' ft "$log") - $(counted 1 ft "$log"))) \
     "$found"
   # A fuzzer that ended before its time has found something, whether or not it could keep it.
   grep -q '^stat::number_of_executed_units' "$log" && [ "$found" = 0 ] &&
