@@ -27,9 +27,9 @@ class ModernAlert : public ScreenController {
   // it, after the alert has left the screen; not when the alert is dismissed by its controller.
   virtual void addAction(const std::string& title, AlertActionStyle style, Handler handler) = 0;
 
-  // Whether the alert's view is part of a window: from the call that presents it to the one that
-  // dismisses it or the press of a button.
-  // Thread: any.
+  // Whether the alert's view is part of a window: from when it is shown, which may be later than
+  // the call that presents it, to the call that dismisses it or the press of a button. One that was
+  // not shown is not visible, and may be presented anew. Thread: any.
   [[nodiscard]] virtual bool viewHasSuperview() const = 0;
 };
 

@@ -44,8 +44,8 @@ class Probes {
   virtual ~Probes() = default;
 
   // Starts a request in a session that keeps nothing, and tells the state of its task. What comes
-  // back is thrown away unseen. A probe that is asked for while one is in flight starts no second:
-  // the state is then that of the one in flight.
+  // back is thrown away unseen. A platform may send fewer than it is asked for, as one a run: the
+  // state is then that of the one that was sent. Suspended says that none is sent at all.
   virtual TaskState resume(const ProbeRequest& request) = 0;
 };
 

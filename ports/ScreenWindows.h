@@ -21,9 +21,10 @@ class ScreenController {
   [[nodiscard]] virtual ScreenController* presentedViewController() const = 0;
 
   // Shows `controller`, which the same platform made, over this one and keeps it alive until it is
-  // dismissed. It counts as presented when the call returns, also while an animation still brings
-  // it in. `completion` may be empty; it runs on the main thread once the controller is shown, and
-  // never if it cannot be shown.
+  // dismissed. It counts as presented from when it is shown, also while an animation still brings
+  // it in: when the call returns, later where the platform waits for a better moment, or never
+  // where it finds none. `completion` may be empty; it runs on the main thread once the controller
+  // is shown.
   virtual void presentViewController(std::shared_ptr<ScreenController> controller, bool animated,
                                      Completion completion) = 0;
 

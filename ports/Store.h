@@ -43,7 +43,8 @@ class UrlOpener {
 
   // Hands the address to whichever program is in charge of its scheme and returns at once. The
   // scheme "itms-apps" means this application's page in a store; a platform with another store
-  // opens its own page of this application. An address that nothing opens is logged.
+  // opens its own page of this application. An address that nothing opens is logged,
+  // and the user is told.
   virtual void openUrl(const std::string& url) = 0;
 };
 
