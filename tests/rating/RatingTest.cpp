@@ -63,29 +63,32 @@ struct RatingTest : testing::Test {
 };
 
 TEST_F(RatingTest, ConditionsAndPropriety) {
-  const struct {
+  struct Row {
     const char* what;
-    double days, uses, eventsWanted, events, remindedDaysAgo;
-    bool met;
-    std::optional<std::uint32_t> flags = 2;
+    double days = 9, uses = 9;
+    std::int64_t eventsWanted = -1;
+    double events = 0, remindedDaysAgo = kNever;
+    bool met = true;
+    std::optional<std::uint32_t> flags = kReachabilityReachable;
     bool declined = false, visible = false, rated = false, appropriate = true;
-  } rows[] = {
-      {"just enough", 4, 7, -1, 0, kNever, true},
-      {"too early", 4 + kAlmost, 7, -1, 0, kNever, false},
-      {"clock set back", -1, 7, -1, 0, kNever, false},
-      {"too few uses", 9, 6, -1, 0, kNever, false},
-      {"too few events", 9, 9, 2, 1, kNever, false},
-      {"events enough", 9, 9, 2, 2, kNever, true},
-      {"reminded", 9, 9, -1, 0, 3 + kAlmost, false},
-      {"to be reminded", 9, 9, -1, 0, 3, true},
-      {"reminder to come", 9, 9, -1, 0, -1, false},
-      {"flags unreadable", 9, 9, -1, 0, kNever, true, {}, false, false, false, false},
-      {"no way", 9, 9, -1, 0, kNever, true, 0, false, false, false, false},
-      {"must dial", 9, 9, -1, 0, kNever, true, 6, false, false, false, false},
-      {"dials by itself", 9, 9, -1, 0, kNever, true, 7},
-      {"declined", 9, 9, -1, 0, kNever, true, 2, true, false, false, false},
-      {"visible", 9, 9, -1, 0, kNever, true, 2, false, true, false, false},
-      {"rated", 9, 9, -1, 0, kNever, true, 2, false, false, true, false},
+  };
+  const Row rows[] = {
+      {.what = "just enough", .days = 4, .uses = 7},
+      {.what = "too early", .days = 4 + kAlmost, .uses = 7, .met = false},
+      {.what = "clock set back", .days = -1, .met = false},
+      {.what = "too few uses", .uses = 6, .met = false},
+      {.what = "too few events", .eventsWanted = 2, .events = 1, .met = false},
+      {.what = "events enough", .eventsWanted = 2, .events = 2},
+      {.what = "reminded", .remindedDaysAgo = 3 + kAlmost, .met = false},
+      {.what = "to be reminded", .remindedDaysAgo = 3},
+      {.what = "reminder to come", .remindedDaysAgo = -1, .met = false},
+      {.what = "flags unreadable", .flags = {}, .appropriate = false},
+      {.what = "no way", .flags = 0, .appropriate = false},
+      {.what = "must dial", .flags = 6, .appropriate = false},
+      {.what = "dials by itself", .flags = 7},
+      {.what = "declined", .declined = true, .appropriate = false},
+      {.what = "visible", .visible = true, .appropriate = false},
+      {.what = "rated", .rated = true, .appropriate = false},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.what);
@@ -93,7 +96,7 @@ TEST_F(RatingTest, ConditionsAndPropriety) {
     RatingPrompt::setDaysUntilPrompt(4);
     RatingPrompt::setUsesUntilPrompt(7);
     RatingPrompt::setTimeBeforeReminding(3);
-    RatingPrompt::setSignificantEventsUntilPrompt(static_cast<std::int64_t>(row.eventsWanted));
+    RatingPrompt::setSignificantEventsUntilPrompt(row.eventsWanted);
     if (row.visible) RatingPrompt::forceShowPrompt(true);
     world.alertsMade = world.probes = 0;
     world.log.lines.clear();
