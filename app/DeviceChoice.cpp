@@ -48,10 +48,11 @@ std::optional<DeviceModel> deviceForScreen(double width, double height, bool tou
   const InterfaceIdiom idiom = phone ? Phone : Tablet;
   // The layouts are upright, also on a screen that lies.
   const double longSide = std::max(width, height);
-  return *std::min_element(kDeviceTable.begin(), kDeviceTable.end(), [&](const auto& a, const auto& b) {
-    if (a.idiom != b.idiom) return a.idiom == idiom;
-    return misfit(a, shortSide, longSide) < misfit(b, shortSide, longSide);
-  });
+  return *std::min_element(kDeviceTable.begin(), kDeviceTable.end(),
+                           [&](const auto& a, const auto& b) {
+                             if (a.idiom != b.idiom) return a.idiom == idiom;
+                             return misfit(a, shortSide, longSide) < misfit(b, shortSide, longSide);
+                           });
 }
 
 }  // namespace endpin

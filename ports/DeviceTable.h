@@ -20,7 +20,7 @@ struct DeviceModel {
   double safeTop = 0;           // under a notch or a camera
   double safeBottom = 0;        // under the home indicator
   bool largeChart = false;      // a phone that shows the tablets' chart
-  bool endsHeightTest = false;  // a phone's start-up logs its height after it was compared with this
+  bool endsHeightTest = false;  // after this one a phone's start-up logs its own height
 };
 
 // In the order in which start-up compares them. Devices share layouts on purpose.
