@@ -69,7 +69,7 @@ bool isDeaf(const StringReferences& references) {
 }  // namespace
 
 HearingDisplay::HearingDisplay(HearingOutlets& outlets, const Ports& ports, bool fineByDefault)
-    : outlets_(outlets), ports_(ports), fineByDefault_(fineByDefault), fine_(fineByDefault) {}
+    : outlets_(outlets), ports_(ports), fine_(fineByDefault) {}
 
 void HearingDisplay::begin() {
   chosenId_ = ports_.settings.stringForKey(kMicrophoneKey).value_or("");

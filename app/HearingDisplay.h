@@ -88,7 +88,6 @@ class HearingDisplay {
 
   HearingOutlets& outlets_;
   Ports ports_;
-  const bool fineByDefault_;
   bool fine_ = false;
 
   StringReferences references_{};

@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <exception>
 #include <functional>
-#include <numbers>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -54,20 +53,6 @@ Heard hear(int string, const Sound& note, double noteSeconds) {
 
 CelloNote noteOf(int string) {
   return {.midiNote = kCelloStrings[string].midiNote, .frequency = kCelloStrings[string].frequency};
-}
-
-// Two first-order high passes and a floor of noise: the microphone of a telephone, at some
-// distance.
-Sound throughSmallMicrophone(Sound sound, double cornerInHz) {
-  const double keep = std::exp(-2 * std::numbers::pi * cornerInHz / sound.rate);
-  for (int pass = 0; pass < 2; ++pass) {
-    double low = 0;
-    for (float& sample : sound.samples) {
-      low = keep * low + (1 - keep) * static_cast<double>(sample);
-      sample -= static_cast<float>(low);
-    }
-  }
-  return mixed(scaledToRms(std::move(sound), 0.03), noise(sound.rate, sound.seconds(), 0.001));
 }
 
 void printHead(const char* first) {

@@ -78,6 +78,18 @@ Sound joined(Sound sound, const Sound& next) {
   return sound;
 }
 
+Sound throughSmallMicrophone(Sound sound, double cornerInHz) {
+  const double keep = std::exp(-2 * std::numbers::pi * cornerInHz / sound.rate);
+  for (int pass = 0; pass < 2; ++pass) {
+    double low = 0;
+    for (float& sample : sound.samples) {
+      low = keep * low + (1 - keep) * static_cast<double>(sample);
+      sample -= static_cast<float>(low);
+    }
+  }
+  return mixed(scaledToRms(std::move(sound), 0.03), noise(sound.rate, sound.seconds(), 0.001));
+}
+
 std::vector<Sound> partsBetweenSilences(const Sound& sound, double silence) {
   const auto isSounding = [](float sample) { return sample != 0.0F; };
   const auto shortest = static_cast<std::ptrdiff_t>(sampleCount(sound.rate, silence));
