@@ -18,6 +18,8 @@
 #include <memory>
 #include <span>
 
+#include "audio/CaptureFormat.h"
+
 namespace endpin {
 
 // A partial of something that sounds.
@@ -28,10 +30,8 @@ struct SpectralLine {
 
 class FineSpectrum {
  public:
-  static constexpr double kSampleRate = 7019.5;  // hertz
-  static constexpr std::size_t kBlockSamples = 4096;
   static constexpr std::size_t kTransformSize = 8192;  // points: the block, and as many zeros
-  static constexpr double kBinWidth = kSampleRate / kTransformSize;  // hertz, 0.857
+  static constexpr double kBinWidth = kCaptureRate / kTransformSize;  // hertz, 0.857
 
   // Bins whose middle lies between 40 and 1300 Hz. Below there is only rumble; above, vibrato parts
   // the lines.

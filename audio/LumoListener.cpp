@@ -34,6 +34,8 @@ void LumoListener::releaseSharedListener() {
   listenerInstance = nullptr;
 }
 
+// There is one microphone, and the queue that holds it belongs to the instance that the class
+// knows: that one is stopped, whichever object ends.
 LumoListener::~LumoListener() {
   listenerInstance->stop();
   if (const auto error = ports_.session.setActive(false)) ports_.log.line(*error);
@@ -103,15 +105,7 @@ void LumoListener::setupQueue() {
 
 void LumoListener::setupFormat() {
   estimated_ = fineEstimated_ = {};  // the rate counts too
-  format = {.mSampleRate = kSampleRate,
-            .mFormatID = kAudioFormatLinearPCM,
-            .mFormatFlags = kAudioFormatFlagIsSignedInteger | kAudioFormatFlagIsPacked,
-            .mBytesPerPacket = 2,
-            .mFramesPerPacket = 1,
-            .mBytesPerFrame = 2,
-            .mChannelsPerFrame = 1,
-            .mBitsPerChannel = 16,
-            .mReserved = 0};
+  format = kCaptureFormat;
 }
 
 void LumoListener::setupBuffers() {

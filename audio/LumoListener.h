@@ -12,6 +12,7 @@
 #include <mutex>
 #include <optional>
 
+#include "audio/CaptureFormat.h"
 #include "audio/FineEstimator.h"
 #include "audio/PitchEstimator.h"
 #include "ports/AudioInput.h"
@@ -29,9 +30,6 @@ class LumoListener {
     Log& log;
   };
 
-  // Hertz: a bin of 0.2142181396484375 Hz.
-  static constexpr double kSampleRate = PitchEstimator::kSampleRate;
-  static constexpr std::uint32_t kBlockBytes = 8192;  // 4096 samples, about 0.58 s
   static constexpr std::uint32_t kCaptureBuffers = 3;
 
   // Names the platform for the instance to come. Once, before the first sharedListener.

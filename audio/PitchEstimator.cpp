@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "audio/CaptureFormat.h"
+
 namespace endpin {
 
 float PitchEstimator::frequencyOfBin(std::uint32_t bin, double sampleRate) {
@@ -76,7 +78,7 @@ std::uint32_t PitchEstimator::findTopSpike() const {
 std::vector<SpectrumBin> PitchEstimator::binsBetween(double lower, double upper) {
   std::vector<SpectrumBin> bins;
   for (std::uint32_t bin = 0; bin < kSpectrumLength; ++bin) {
-    const float frequency = frequencyOfBin(bin, kSampleRate);
+    const float frequency = frequencyOfBin(bin, kCaptureRate);
     const auto hertz = static_cast<double>(frequency);
     if (lower <= hertz && hertz <= upper) bins.push_back({bin, frequency});
   }

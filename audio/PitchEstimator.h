@@ -20,7 +20,6 @@ struct SpectrumBin {
 
 class PitchEstimator {
  public:
-  static constexpr double kSampleRate = 7019.5;                         // hertz, of captured blocks
   static constexpr std::uint32_t kTransformSize = 32768;                // points
   static constexpr std::uint32_t kSpectrumLength = kTransformSize / 2;  // bins; Nyquist is left out
 

@@ -26,7 +26,7 @@ std::vector<std::int16_t> celloLikeBlock() {
     for (int h = 1; h <= 10; ++h) {
       sum += 4000.0 / h *
              std::sin(2 * std::numbers::pi * 146.83 * h * static_cast<double>(n) /
-                      LumoListener::kSampleRate);
+                      endpin::kCaptureRate);
     }
     samples[n] = static_cast<std::int16_t>(sum);
   }
@@ -55,7 +55,7 @@ void BM_Estimate(benchmark::State& state) {
   const auto estimator = std::make_unique<PitchEstimator>();
   for (auto _ : state) {
     benchmark::DoNotOptimize(
-        estimator->getFreqFromBuffer(block.data(), 8192, LumoListener::kSampleRate));
+        estimator->getFreqFromBuffer(block.data(), 8192, endpin::kCaptureRate));
   }
 }
 BENCHMARK(BM_Estimate)->Unit(benchmark::kMicrosecond);

@@ -54,8 +54,8 @@ class PitchRun {
 
   // A block as long as the platform hands over, odd lengths included.
   void hearBytes() {
-    const std::size_t length = input_.number<std::uint16_t>() % (LumoListener::kBlockBytes + 1);
-    std::vector<std::int16_t> block(LumoListener::kBlockBytes / 2);
+    const std::size_t length = input_.number<std::uint16_t>() % (kBlockBytes + 1);
+    std::vector<std::int16_t> block(kBlockBytes / 2);
     const auto given = input_.bytes(length);
     if (!given.empty()) std::memcpy(block.data(), given.data(), given.size());
     LumoListener::sharedListener()->setAudioBuffer(block.data(),
@@ -66,26 +66,26 @@ class PitchRun {
   // The same few bytes again and again, loud and periodic.
   void hearPattern() {
     const auto pattern = input_.bytes(1 + input_.choice(255));
-    std::vector<std::int16_t> block(LumoListener::kBlockBytes / 2);
+    std::vector<std::int16_t> block(kBlockBytes / 2);
     for (std::size_t i = 0; i < block.size() && !pattern.empty(); ++i) {
       block[i] = static_cast<std::int16_t>(pattern[i % pattern.size()] << 8);
     }
     tuner_.fake.input.queue->deliver(block);
-    hearFinely(block, LumoListener::kBlockBytes);
+    hearFinely(block, kBlockBytes);
   }
 
   void bow(double hertz) {
-    std::vector<std::int16_t> block(LumoListener::kBlockBytes / 2);
+    std::vector<std::int16_t> block(kBlockBytes / 2);
     for (std::size_t n = 0; n < block.size(); ++n) {
       double sum = 0;
       for (int h = 1; h <= 6; ++h) {
-        const double turns = hertz * h * static_cast<double>(n) / LumoListener::kSampleRate;
+        const double turns = hertz * h * static_cast<double>(n) / kCaptureRate;
         sum += 3000.0 / h * std::sin(2 * std::numbers::pi * turns);
       }
       block[n] = static_cast<std::int16_t>(sum);
     }
     tuner_.fake.input.queue->deliver(block);
-    hearFinely(block, LumoListener::kBlockBytes);
+    hearFinely(block, kBlockBytes);
   }
   void bowAnything() { bow(input_.number<std::uint16_t>() / 50.0); }
   void bowString() { bow(tuner_.controller.calibration().frequencies()[input_.choice(4)]); }
@@ -115,9 +115,9 @@ class PitchRun {
     const auto& controller = tuner_.controller;
     const Reading& reading = controller.lastReading();
     const double hertz = static_cast<double>(reading.frequency);
-    require(std::isfinite(hertz) && hertz >= 0 && hertz < LumoListener::kSampleRate / 2,
+    require(std::isfinite(hertz) && hertz >= 0 && hertz < kCaptureRate / 2,
             "a frequency lies in the spectrum", fmt::format("{}", hertz));
-    const double bin = hertz * PitchEstimator::kTransformSize / LumoListener::kSampleRate;
+    const double bin = hertz * PitchEstimator::kTransformSize / kCaptureRate;
     require(std::abs(bin - std::round(bin)) < 0.01, "a frequency is a bin's",
             fmt::format("{}", hertz));
     checkScreen();

@@ -6,9 +6,9 @@
 #include <fstream>
 #include <vector>
 
-#include "adapters/capture/CaptureFormat.h"
 #include "adapters/offline/FileMicrophone.h"
 #include "adapters/sndfile/SoundFile.h"
+#include "audio/CaptureFormat.h"
 #include "fuzz/Fuzzing.h"
 #include "tests/support/TempDirectory.h"
 

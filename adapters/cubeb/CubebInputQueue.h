@@ -10,9 +10,9 @@
 #include <thread>
 #include <vector>
 
-#include "adapters/capture/CaptureQueue.h"
 #include "adapters/cubeb/DeviceKeeper.h"
 #include "adapters/soxr/CaptureResampler.h"
+#include "audio/CaptureQueue.h"
 #include "ports/Log.h"
 
 namespace endpin {

@@ -1,7 +1,7 @@
 #include "adapters/cubeb/CubebMicrophone.h"
 
-#include "adapters/capture/CaptureFormat.h"
 #include "adapters/cubeb/CubebInputQueue.h"
+#include "audio/CaptureFormat.h"
 
 namespace endpin {
 

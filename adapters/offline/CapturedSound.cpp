@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "adapters/capture/CaptureFormat.h"
+#include "audio/CaptureFormat.h"
 
 namespace endpin {
 namespace {

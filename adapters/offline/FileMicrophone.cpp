@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "adapters/capture/CaptureQueue.h"
+#include "audio/CaptureQueue.h"
 
 namespace endpin {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "adapters/capture/CaptureFormat.h"
+#include "audio/CaptureFormat.h"
 
 namespace endpin {
 

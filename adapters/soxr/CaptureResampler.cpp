@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "adapters/capture/CaptureFormat.h"
+#include "audio/CaptureFormat.h"
 
 namespace endpin {
 namespace {

@@ -7,7 +7,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "adapters/capture/CaptureFormat.h"
+#include "audio/CaptureFormat.h"
 #include "tests/support/TempDirectory.h"
 #include "tests/support/Tone.h"
 

@@ -6,9 +6,9 @@
 #include <fstream>
 #include <thread>
 
-#include "adapters/capture/CaptureFormat.h"
 #include "adapters/cubeb/CubebOutput.h"
 #include "adapters/cubeb/CubebPlayers.h"
+#include "audio/CaptureFormat.h"
 #include "calibration/ToneSynthesizer.h"
 #include "tests/fakes/AllocationCounter.h"
 #include "tests/support/PrivateSoundServer.h"

@@ -11,8 +11,6 @@
 #include <vector>
 
 #include "adapters/bundle/FileBundle.h"
-#include "adapters/capture/CaptureFormat.h"
-#include "adapters/capture/CaptureQueue.h"
 #include "adapters/log/NullLog.h"
 #include "adapters/offline/CountingPlayers.h"
 #include "adapters/offline/FixedDevice.h"
@@ -20,6 +18,8 @@
 #include "adapters/offline/OfflineSession.h"
 #include "adapters/offline/VirtualRunLoop.h"
 #include "app/Application.h"
+#include "audio/CaptureFormat.h"
+#include "audio/CaptureQueue.h"
 #include "ports/Screen.h"
 #include "tests/rating/FakeRatingPlatform.h"
 

@@ -15,8 +15,7 @@
 #include <span>
 #include <vector>
 
-#include "adapters/capture/CaptureFormat.h"
-#include "adapters/capture/LevelMeter.h"
+#include "audio/CaptureFormat.h"
 #include "ports/AudioInput.h"
 
 namespace endpin {
@@ -69,6 +68,25 @@ class CaptureQueue : public AudioInputQueue {
     AudioInputBuffer buffer;
   };
 
+  // How loud it is: root mean square and peak of the last tenth of a second, of fewer samples while
+  // fewer have come. One thread adds samples and another asks; neither keeps the other waiting for
+  // longer than it takes to go through 702 samples.
+  class Meter {
+   public:
+    void add(std::span<const std::int16_t> samples);
+    // Until samples come again the level is 0.
+    void clear();
+    [[nodiscard]] LevelMeterState levels() const;
+
+   private:
+    static constexpr std::size_t kWindow = 702;  // samples
+
+    mutable std::mutex mutex_;
+    std::array<std::int16_t, kWindow> window_{};
+    std::size_t next_ = 0;   // where the next sample goes
+    std::size_t count_ = 0;  // samples in the window
+  };
+
   void finishBlock();
   AudioInputBuffer* takeBuffer();
 
@@ -89,7 +107,7 @@ class CaptureQueue : public AudioInputQueue {
   std::atomic<bool> delivering_ = false;
   std::atomic<bool> metering_ = false;
   std::atomic<std::uint64_t> lostBlocks_ = 0;
-  LevelMeter meter_;
+  Meter meter_;
 };
 
 }  // namespace endpin

@@ -1,4 +1,4 @@
-#include "adapters/capture/CaptureQueue.h"
+#include "audio/CaptureQueue.h"
 
 #include <gtest/gtest.h>
 
