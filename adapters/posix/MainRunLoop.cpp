@@ -1,25 +1,9 @@
 #include "adapters/posix/MainRunLoop.h"
 
-#include <sys/eventfd.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <cstdint>
-#include <system_error>
 #include <utility>
 
-#include "adapters/posix/WaitReadable.h"
-
 namespace endpin {
-
-MainRunLoop::MainRunLoop() : wakeDescriptor_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-  if (wakeDescriptor_ < 0) throw std::system_error(errno, std::generic_category(), "eventfd");
-}
-
-MainRunLoop::~MainRunLoop() {
-  close(wakeDescriptor_);
-}
 
 RunLoop::TimerId MainRunLoop::scheduleTimer(double seconds, Call fire) {
   return agenda_.addTimer(now(), seconds, std::move(fire));
@@ -31,7 +15,7 @@ void MainRunLoop::performAfterDelay(double seconds, Call call) {
 
 void MainRunLoop::dispatchAsync(Call call) {
   mailbox_.post(std::move(call));
-  wake();
+  wakeUp_.signal();
 }
 
 void MainRunLoop::run(int stopDescriptor) {
@@ -42,16 +26,15 @@ void MainRunLoop::run(int stopDescriptor) {
       agenda_.take(now())();
       continue;
     }
-    if (!waitReadable({wakeDescriptor_, stopDescriptor}, timeOfNextCall())) continue;
-    std::uint64_t wakes = 0;
-    [[maybe_unused]] const auto size = read(wakeDescriptor_, &wakes, sizeof wakes);
+    if (!waitReadable({wakeUp_.descriptor(), stopDescriptor}, timeOfNextCall())) continue;
+    wakeUp_.take();
   }
   stopped_ = false;
 }
 
 void MainRunLoop::stop() {
   stopped_ = true;
-  wake();
+  wakeUp_.signal();
 }
 
 double MainRunLoop::now() const {
@@ -64,11 +47,6 @@ MainRunLoop::Clock::time_point MainRunLoop::timeOfNextCall() const {
   // A nanosecond past, so that rounding does not wake the loop just too early.
   return start_ + std::chrono::ceil<Clock::duration>(std::chrono::duration<double>(due)) +
          std::chrono::nanoseconds(1);
-}
-
-void MainRunLoop::wake() const {
-  const std::uint64_t one = 1;
-  [[maybe_unused]] const auto written = write(wakeDescriptor_, &one, sizeof one);
 }
 
 }  // namespace endpin

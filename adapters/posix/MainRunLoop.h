@@ -1,10 +1,11 @@
 // The main run loop of a terminal program, on the monotonic clock. The thread that calls run() is
-// the main thread.
+// the main thread. Making one throws std::system_error when the system refuses.
 #pragma once
 
 #include <atomic>
 #include <chrono>
 
+#include "adapters/posix/WakeUp.h"
 #include "adapters/runloop/Agenda.h"
 #include "adapters/runloop/Mailbox.h"
 #include "ports/RunLoop.h"
@@ -13,12 +14,6 @@ namespace endpin {
 
 class MainRunLoop : public RunLoop {
  public:
-  // Throws std::system_error when the system refuses.
-  MainRunLoop();
-  ~MainRunLoop() override;
-  MainRunLoop(const MainRunLoop&) = delete;
-  MainRunLoop& operator=(const MainRunLoop&) = delete;
-
   TimerId scheduleTimer(double seconds, Call fire) override;
   void performAfterDelay(double seconds, Call call) override;
   void dispatchAsync(Call call) override;
@@ -36,10 +31,9 @@ class MainRunLoop : public RunLoop {
 
   [[nodiscard]] double now() const;
   [[nodiscard]] Clock::time_point timeOfNextCall() const;
-  void wake() const;
 
   const Clock::time_point start_ = Clock::now();
-  const int wakeDescriptor_;
+  const WakeUp wakeUp_;
   Agenda agenda_;
   Mailbox mailbox_;
   std::atomic<bool> stopped_ = false;

@@ -9,6 +9,8 @@
 #include <chrono>
 #include <csignal>
 
+#include "adapters/posix/WakeUp.h"
+
 namespace endpin {
 
 class StopSignal {
@@ -24,7 +26,7 @@ class StopSignal {
   [[nodiscard]] bool raised() const;
 
   // Readable from the first signal on. Poll it; do not read it.
-  [[nodiscard]] int descriptor() const { return descriptor_; }
+  [[nodiscard]] int descriptor() const { return wakeUp_.descriptor(); }
 
   // Waits until `time` or the first signal, and returns whether there was one.
   bool waitUntil(std::chrono::steady_clock::time_point time) const;
@@ -32,9 +34,9 @@ class StopSignal {
  private:
   static void handle(int signal);
 
-  static std::atomic<int> handlerDescriptor;  // what the handler writes to
+  static std::atomic<const WakeUp*> handlerWakeUp;  // what the handler signals
 
-  int descriptor_;
+  const WakeUp wakeUp_;
   struct sigaction oldInterrupt_ {};
   struct sigaction oldTerminate_ {};
 };
