@@ -3,39 +3,48 @@
 #include <cubeb/cubeb.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace endpin {
 namespace {
 
-constexpr std::uint32_t kUsualRate = 48000;        // hertz, when the device tells none
-constexpr std::uint32_t kCallbacksPerSecond = 25;  // at most, if the device can do with it
+constexpr std::uint32_t kUsualRate = 48000;  // hertz, when the device tells none
+// Milliseconds, unless the device needs more. The sound server is asked for pieces of a quarter of
+// it: each wakes us, and a level asked for in between is that of the piece before.
+constexpr std::uint32_t kCaptureLatency = 160;
 
 // Thread: audio callback. Realtime-safe: yes.
 long takeSamples(cubeb_stream* /*stream*/, void* user, const void* input, void* /*output*/,
                  long frames) {
   const auto count = static_cast<std::size_t>(frames);
-  static_cast<CaptureFeed*>(user)->ring.push({static_cast<const std::int16_t*>(input), count});
+  auto* state = static_cast<StreamState*>(user);
+  state->ring.push({static_cast<const std::int16_t*>(input), count});
+  state->heard.signal();
   return frames;
 }
 
 void noteState(cubeb_stream* /*stream*/, void* user, cubeb_state state) {
   const bool ended = state == CUBEB_STATE_ERROR || state == CUBEB_STATE_DRAINED;
-  if (ended) static_cast<CaptureFeed*>(user)->failed = true;
+  if (ended) static_cast<StreamState*>(user)->fail();
 }
 
 void noteDevices(cubeb* /*context*/, void* user) {
-  static_cast<CaptureFeed*>(user)->devicesChanged = true;
+  auto* state = static_cast<StreamState*>(user);
+  state->devicesChanged = true;
+  state->owner.checkSoon();
 }
 
 }  // namespace
 
-std::unique_ptr<CaptureStream> CaptureStream::open(const std::string& wanted, std::string& reason) {
+std::unique_ptr<CaptureStream> CaptureStream::open(const std::string& wanted, const WakeUp& heard,
+                                                   const SupervisedStream& owner,
+                                                   std::string& reason) {
   std::unique_ptr<CaptureStream> stream(new CaptureStream(wanted));
   if (!stream->connect()) {
     reason = "no sound system";
   } else if (!stream->choose()) {
     reason = stream->whyNoDevice();
-  } else if (!stream->start()) {
+  } else if (!stream->start(heard, owner)) {
     reason = "no microphone can be opened";
   } else {
     return stream;
@@ -60,12 +69,12 @@ bool CaptureStream::choose() {
   return chosen != nullptr;
 }
 
-bool CaptureStream::start() {
+bool CaptureStream::start(const WakeUp& heard, const SupervisedStream& owner) {
   const std::uint32_t rate = device_.rate > 0 ? device_.rate : kUsualRate;
-  feed_ = std::make_shared<CaptureFeed>(rate);
+  state_ = std::make_shared<StreamState>(rate, heard, owner);
   // Not every sound system tells of devices; then a stream that fails is all there is to go by.
   cubeb_register_device_collection_changed(context_, CUBEB_DEVICE_TYPE_INPUT, noteDevices,
-                                           feed_.get());
+                                           state_.get());
   cubeb_stream_params params{.format = CUBEB_SAMPLE_S16NE,
                              .rate = rate,
                              .channels = 1,
@@ -73,10 +82,10 @@ bool CaptureStream::start() {
                              .prefs = CUBEB_STREAM_PREF_NONE};
   std::uint32_t latency = 0;
   if (cubeb_get_min_latency(context_, &params, &latency) != CUBEB_OK) latency = 0;
-  latency = std::max(latency, rate / kCallbacksPerSecond);
+  latency = std::max(latency, rate * kCaptureLatency / 1000);
   const cubeb_devid handle = followsDefault() ? nullptr : device_.handle;
   return cubeb_stream_init(context_, &stream_, "Cello", handle, &params, nullptr, nullptr, latency,
-                           takeSamples, noteState, feed_.get()) == CUBEB_OK &&
+                           takeSamples, noteState, state_.get()) == CUBEB_OK &&
          cubeb_stream_start(stream_) == CUBEB_OK;
 }
 
@@ -86,15 +95,18 @@ CaptureStream::~CaptureStream() {
     cubeb_stream_destroy(stream_);
   }
   if (!context_) return;
-  if (feed_) {
+  if (state_) {
     cubeb_register_device_collection_changed(context_, CUBEB_DEVICE_TYPE_INPUT, nullptr, nullptr);
   }
   cubeb_destroy(context_);
 }
 
+// The sound server tells of a device before it has settled on a default: it is asked at once and
+// once more at the next check.
 bool CaptureStream::isAlive() {
-  if (feed_->failed) return false;
-  if (!feed_->devicesChanged.exchange(false)) return true;
+  if (state_->failed) return false;
+  const bool changed = state_->devicesChanged.exchange(false);
+  if (!std::exchange(unsettled_, changed) && !changed) return true;
   const auto devices = enumerateInputs(context_);
   if (!devices) return false;
   devices_ = *devices;

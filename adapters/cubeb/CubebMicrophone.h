@@ -7,12 +7,25 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
-#include "adapters/cubeb/DeviceKeeper.h"
 #include "ports/AudioInput.h"
 #include "ports/Log.h"
 
 namespace endpin {
+
+// How it stands with the microphone.
+struct MicrophoneStatus {
+  enum class State {
+    Closed,   // nobody listens
+    Opening,  // the sound system has not answered yet
+    Open,
+    Missing,  // waited for
+  };
+
+  State state = State::Closed;
+  std::string text;  // Open: name of the device; Missing: why
+};
 
 class CubebMicrophone : public AudioInput {
  public:
@@ -20,17 +33,19 @@ class CubebMicrophone : public AudioInput {
   // microphone and its queues; it receives a line for each change of the device.
   CubebMicrophone(std::string device, Log& log) : device_(std::move(device)), log_(log) {}
 
-  // One queue at a time.
+  // One queue at a time. The destructor of the queue waits a second for the sound server at most.
   std::unique_ptr<AudioInputQueue> newInput(const AudioStreamFormat& format,
                                             AudioInputCallback callback, void* userData) override;
 
   // How it stands with the device of the newest queue. Does not wait.
   [[nodiscard]] MicrophoneStatus status() const;
 
+  class Device;  // the one of a queue, kept open while it is wanted
+
  private:
   const std::string device_;
   Log& log_;
-  std::weak_ptr<DeviceKeeper> keeper_;  // of the newest queue
+  std::weak_ptr<Device> newest_;  // of the newest queue
 };
 
 }  // namespace endpin

@@ -8,7 +8,7 @@
 
 #include "adapters/cubeb/OutputStream.h"
 #include "adapters/cubeb/RenderGate.h"
-#include "adapters/cubeb/StreamKeeper.h"
+#include "adapters/cubeb/StreamSupervisor.h"
 
 namespace endpin {
 namespace {
@@ -24,13 +24,13 @@ bool isStereoWords(const AudioStreamFormat& format) {
 }
 
 // A tone for as long as it is wanted.
-class ToneStream : public KeptStream {
+class ToneStream : public SupervisedStream {
  public:
   ToneStream(std::uint32_t rate, std::shared_ptr<RenderGate> gate)
       : format_{"Tuning fork", rate, 2}, gate_(std::move(gate)) {}
 
   Outcome open() override {
-    stream_ = OutputStream::open(format_, *gate_);
+    stream_ = OutputStream::open(format_, *gate_, *this);
     return stream_ ? Outcome::Open : Outcome::Missing;
   }
   Outcome check() override {
@@ -70,22 +70,22 @@ class CubebOutputUnit : public AudioOutputUnit {
   AudioStatus initialize() override {
     if (gate_ || rate_ == 0 || !callback_) return CUBEB_ERROR;
     gate_ = std::make_shared<RenderGate>(callback_, userData_);
-    keeper_.emplace(std::make_shared<ToneStream>(rate_, gate_));
+    supervisor_.emplace(std::make_shared<ToneStream>(rate_, gate_));
     return CUBEB_OK;
   }
 
   AudioStatus start() override {
-    if (!keeper_) return CUBEB_ERROR;
+    if (!supervisor_) return CUBEB_ERROR;
     gate_->mute(false);
-    keeper_->open();
+    supervisor_->open();
     return CUBEB_OK;
   }
 
   // Muted as well: closing takes its time, and a callback that nobody hears shall not go on.
   AudioStatus stop() override {
-    if (!keeper_) return CUBEB_ERROR;
+    if (!supervisor_) return CUBEB_ERROR;
     gate_->mute(true);
-    keeper_->close();
+    supervisor_->close();
     return CUBEB_OK;
   }
 
@@ -94,7 +94,7 @@ class CubebOutputUnit : public AudioOutputUnit {
   AudioRenderCallback callback_ = nullptr;
   void* userData_ = nullptr;
   std::shared_ptr<RenderGate> gate_;
-  std::optional<StreamKeeper> keeper_;
+  std::optional<StreamSupervisor> supervisor_;
 };
 
 }  // namespace

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "adapters/cubeb/OutputStream.h"
-#include "adapters/cubeb/StreamKeeper.h"
+#include "adapters/cubeb/StreamSupervisor.h"
 #include "adapters/sndfile/SoundFile.h"
 
 namespace endpin {
@@ -44,7 +44,7 @@ Samples readWhole(const std::string& path) {
 }
 
 // One sound, played once each time it is wanted.
-class SoundStream final : public KeptStream, private OutputSource {
+class SoundStream final : public SupervisedStream, private OutputSource {
  public:
   explicit SoundStream(Samples samples) : samples_(std::move(samples)) {}
 
@@ -53,7 +53,7 @@ class SoundStream final : public KeptStream, private OutputSource {
 
   Outcome open() override {
     position_ = 0;
-    if (!tooLate()) stream_ = OutputStream::open({"Beep", samples_.rate, 1}, *this);
+    if (!tooLate()) stream_ = OutputStream::open({"Beep", samples_.rate, 1}, *this, *this);
     return stream_ ? Outcome::Open : Outcome::Finished;
   }
   Outcome check() override {
@@ -62,8 +62,6 @@ class SoundStream final : public KeptStream, private OutputSource {
     return over ? Outcome::Finished : Outcome::Open;
   }
   void close() override { stream_.reset(); }
-
-  [[nodiscard]] std::chrono::milliseconds interval() const override { return 20ms; }
 
  private:
   std::uint32_t fill(void* output, std::uint32_t frames) noexcept override {
@@ -88,17 +86,17 @@ class SoundStream final : public KeptStream, private OutputSource {
 class CubebPlayer : public AudioPlayer {
  public:
   explicit CubebPlayer(Samples samples)
-      : stream_(std::make_shared<SoundStream>(std::move(samples))), keeper_(stream_) {}
+      : stream_(std::make_shared<SoundStream>(std::move(samples))), supervisor_(stream_) {}
 
   void play() override {
-    if (keeper_.wanted()) return;
+    if (supervisor_.wanted()) return;
     stream_->ask();
-    keeper_.open();
+    supervisor_.open();
   }
 
  private:
   const std::shared_ptr<SoundStream> stream_;
-  StreamKeeper keeper_;
+  StreamSupervisor supervisor_;
 };
 
 }  // namespace

@@ -25,11 +25,13 @@ struct OutputStream::Callbacks {
     auto* self = static_cast<OutputStream*>(user);
     if (state == CUBEB_STATE_DRAINED) self->ended_ = true;
     if (state == CUBEB_STATE_ERROR) self->failed_ = true;
+    self->owner_.checkSoon();
   }
 };
 
-std::unique_ptr<OutputStream> OutputStream::open(const Format& format, OutputSource& source) {
-  std::unique_ptr<OutputStream> stream(new OutputStream(source));
+std::unique_ptr<OutputStream> OutputStream::open(const Format& format, OutputSource& source,
+                                                 const SupervisedStream& owner) {
+  std::unique_ptr<OutputStream> stream(new OutputStream(source, owner));
   return stream->start(format) ? std::move(stream) : nullptr;
 }
 

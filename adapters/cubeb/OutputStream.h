@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <memory>
 
+#include "adapters/cubeb/StreamSupervisor.h"
+
 struct cubeb;
 struct cubeb_stream;
 
@@ -32,8 +34,10 @@ class OutputStream {
     std::uint32_t channels;  // 1 or 2
   };
 
-  // Opens a stream that sounds at once. Null when there is no sound system or it has no output.
-  static std::unique_ptr<OutputStream> open(const Format& format, OutputSource& source);
+  // Opens a stream that sounds at once and wakes its owner's supervisor when it ended or failed.
+  // Null when there is no sound system or it has no output.
+  static std::unique_ptr<OutputStream> open(const Format& format, OutputSource& source,
+                                            const SupervisedStream& owner);
   // The source is not asked any more when it returns.
   ~OutputStream();
   OutputStream(const OutputStream&) = delete;
@@ -47,11 +51,13 @@ class OutputStream {
  private:
   struct Callbacks;  // what the library calls
 
-  explicit OutputStream(OutputSource& source) : source_(source) {}
+  OutputStream(OutputSource& source, const SupervisedStream& owner)
+      : source_(source), owner_(owner) {}
 
   [[nodiscard]] bool start(const Format& format);
 
   OutputSource& source_;
+  const SupervisedStream& owner_;
   std::atomic<bool> ended_ = false;
   std::atomic<bool> failed_ = false;
   cubeb* context_ = nullptr;

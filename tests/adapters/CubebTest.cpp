@@ -1,14 +1,19 @@
 // What stands between the sound library and the rest, without a sound server.
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <array>
-#include <future>
 #include <optional>
+#include <thread>
 
+#include "adapters/cubeb/CaptureStream.h"
+#include "adapters/cubeb/CubebMicrophone.h"
+#include "adapters/cubeb/CubebOutput.h"
 #include "adapters/cubeb/InputDevices.h"
 #include "adapters/cubeb/RenderGate.h"
-#include "adapters/cubeb/SampleRing.h"
-#include "adapters/cubeb/StreamKeeper.h"
+#include "audio/CaptureFormat.h"
+#include "tests/fakes/FakePlatform.h"
+#include "tests/fakes/FakeSoundLibrary.h"
 #include "tests/support/Soon.h"
 
 namespace endpin {
@@ -17,75 +22,119 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 using testing::soon;
-using Outcome = KeptStream::Outcome;
 
-// Does what the test says, and counts.
-class DrivenStream : public KeptStream {
- public:
-  Outcome open() override {
-    ++opens;
-    if (hang) hung.get_future().wait();
-    return onOpen;
-  }
-  Outcome check() override {
-    ++checks;
-    return onCheck.exchange(Outcome::Open);
-  }
-  void close() override { ++closes; }
-  std::chrono::milliseconds interval() const override { return 5ms; }
+// A microphone and a listener that counts its blocks.
+struct MicrophoneTest : ::testing::Test {
+  using State = MicrophoneStatus::State;
 
-  std::atomic<Outcome> onOpen = Outcome::Open;
-  std::atomic<Outcome> onCheck = Outcome::Open;  // of the next check only
-  std::atomic<bool> hang = false;
-  std::promise<void> hung;  // fulfilled: the call returns
-  std::atomic<int> opens = 0;
-  std::atomic<int> checks = 0;
-  std::atomic<int> closes = 0;
+  fakes::FakeSoundLibrary& library = fakes::soundLibrary;
+  fakes::FakeLog log;
+  std::optional<CubebMicrophone> microphone;
+  std::unique_ptr<AudioInputQueue> queue;
+  std::atomic<int> blocks = 0;
+
+  void listen(const std::string& wanted = "") {
+    microphone.emplace(wanted, log);
+    const auto heard = [](void* test, AudioInputQueue* from, AudioInputBuffer* buffer) {
+      ++static_cast<MicrophoneTest*>(test)->blocks;
+      from->enqueueBuffer(buffer);
+    };
+    queue = microphone->newInput(kCaptureFormat, heard, this);
+    AudioInputBuffer* buffer = nullptr;
+    queue->allocateBuffer(8192, &buffer);
+    queue->enqueueBuffer(buffer);
+    queue->start();
+  }
+  // Whether it comes to hear that microphone, or gives that reason for hearing none.
+  bool says(std::chrono::milliseconds limit, State state, const std::string& text) const {
+    return soon(limit, [&] {
+      const MicrophoneStatus status = microphone->status();
+      return status.state == state && status.text == text;
+    });
+  }
+  bool hears() {
+    const int before = blocks;
+    library.hear(std::vector<std::int16_t>(40000));
+    return soon(1s, [&] { return blocks > before; });
+  }
+  void SetUp() override {
+    library.refuses = library.isHung = false;
+    library.opens = 0;
+    library.change({{"usb"}, {"internal", true}});
+  }
+  void TearDown() override {
+    library.hang(false);
+    queue.reset();
+    EXPECT_TRUE(soon(3s, [&] { return library.contexts == 0; })) << "what was opened is closed";
+  }
 };
 
-struct StreamKeeperTest : ::testing::Test {
-  const std::shared_ptr<DrivenStream> stream = std::make_shared<DrivenStream>();
-  std::optional<StreamKeeper> keeper{std::in_place, stream};
-};
-
-TEST_F(StreamKeeperTest, TriesUntilItOpensOpensWhatFailedAtOnceAndCloses) {
-  std::this_thread::sleep_for(20ms);
-  EXPECT_EQ(stream->opens, 0) << "nobody asked";
-  stream->onOpen = Outcome::Missing;
+TEST_F(MicrophoneTest, IsTriedUntilItOpensAndOpenedAnewWhenItFailsOrFallsSilent) {
+  library.refuses = true;
   const auto begin = Clock::now();
-  keeper->open();
-  keeper->open();
-  EXPECT_TRUE(keeper->wanted());
-  EXPECT_TRUE(soon(3s, [&] { return stream->opens == 3; }));
+  listen();
+  EXPECT_TRUE(soon(3s, [&] { return library.opens == 3; }));
   EXPECT_GE(Clock::now() - begin, 950ms) << "half a second between two tries";
-  EXPECT_EQ(stream->checks, 0);
-  stream->onOpen = Outcome::Open;
-  EXPECT_TRUE(soon(3s, [&] { return stream->checks > 3; }));
-  const int opens = stream->opens;
-  stream->onCheck = Outcome::Missing;
-  EXPECT_TRUE(soon(400ms, [&] { return stream->opens == opens + 1; }));
-  EXPECT_EQ(stream->closes, 0);
-  keeper->close();
-  EXPECT_TRUE(soon(3s, [&] { return stream->closes == 1; }));
-  keeper->open();
-  EXPECT_TRUE(soon(3s, [&] { return stream->opens == opens + 2; }));
-  keeper.reset();
-  EXPECT_EQ(stream->closes, 2) << "the destructor closes";
+  EXPECT_TRUE(says(1s, State::Missing, "no microphone can be opened"));
+  library.refuses = false;
+  EXPECT_TRUE(says(1s, State::Open, "internal"));
+  EXPECT_TRUE(hears());
+
+  ASSERT_TRUE(library.fail());
+  EXPECT_TRUE(soon(400ms, [&] { return library.opens == 5; })) << "at once";
+  EXPECT_TRUE(says(1s, State::Open, "internal"));
+  EXPECT_TRUE(hears());
+  EXPECT_FALSE(soon(1200ms, [&] { return library.opens > 5; }));
+  EXPECT_TRUE(soon(800ms, [&] { return library.opens == 6; })) << "no samples at all";
+  EXPECT_TRUE(says(1s, State::Open, "internal"));
+  queue->stop(true);
+  EXPECT_TRUE(soon(1s, [&] { return library.contexts == 0; }));
+  EXPECT_TRUE(says(1s, State::Closed, ""));
 }
 
-TEST_F(StreamKeeperTest, LeavesALibraryThatHangsToItself) {
-  stream->hang = true;
+TEST_F(MicrophoneTest, IsLeftWhenItsStreamWasMovedToAnotherDevice) {
+  listen();
+  ASSERT_TRUE(says(1s, State::Open, "internal"));
+  library.change({{"usb", true}, {"internal"}}, false);
+  EXPECT_TRUE(says(2s, State::Open, "usb")) << "it follows the default";
+  EXPECT_EQ(library.opens, 1);
+  library.change({{"internal"}});
+  EXPECT_TRUE(says(400ms, State::Open, "internal")) << "rather than what a speaker plays";
+  library.change({{"internal"}, {"usb", true}});
+  EXPECT_TRUE(says(400ms, State::Open, "usb")) << "a default one came";
+  EXPECT_EQ(library.opens, 3);
+  library.change({});
+  EXPECT_TRUE(says(400ms, State::Missing, "the microphone is gone"));
+
+  library.change({{"usb"}, {"internal", true}});
+  listen("usb");
+  ASSERT_TRUE(says(1s, State::Open, "usb"));
+  library.change({{"internal", true}});
+  EXPECT_TRUE(says(400ms, State::Missing, "the microphone is gone"));
+}
+
+// Those switches that a thread asked for itself: it fell asleep. The test and a sanitizer have
+// some.
+TEST_F(MicrophoneTest, SleepsWhileNothingHappens) {
+  listen();
+  ASSERT_TRUE(says(1s, State::Open, "internal"));
+  ASSERT_TRUE(hears());
+  rusage before{}, after{};
+  getrusage(RUSAGE_SELF, &before);
+  std::this_thread::sleep_for(1s);
+  getrusage(RUSAGE_SELF, &after);
+  EXPECT_LT(after.ru_nvcsw - before.ru_nvcsw, 20);
+}
+
+TEST_F(MicrophoneTest, NobodyWaitsForALibraryThatHangs) {
+  library.hang(true);
   const auto begin = Clock::now();
-  keeper->open();
-  EXPECT_TRUE(soon(3s, [&] { return stream->opens == 1; }));
-  keeper->close();
-  keeper->open();
-  keeper.reset();
+  listen();
+  EXPECT_TRUE(soon(1s, [&] { return library.isHung.load(); }));
+  queue->stop(true);
+  queue->start();
+  queue.reset();
   EXPECT_LT(Clock::now() - begin, 1500ms);
-  EXPECT_EQ(stream->closes, 0);
-  stream->hung.set_value();
-  EXPECT_TRUE(soon(3s, [&] { return stream->closes == 1; })) << "what opens later is closed";
-  EXPECT_TRUE(soon(3s, [&] { return stream.use_count() == 1; })) << "the control thread has ended";
 }
 
 std::int32_t countCalls(void* calls, std::uint32_t, std::span<AudioOutputBuffer>) {
@@ -116,6 +165,32 @@ TEST(RenderGateTest, ShutsWhileTheAudioThreadRuns) {
     quit = true;
     audio.join();
   }
+}
+
+// The library closes the stream when it comes to it; until then it asks for sound.
+TEST(OutputUnitTest, RendersNoMoreAfterItsEndHoweverLongTheLibraryGoesOn) {
+  fakes::FakeSoundLibrary& library = fakes::soundLibrary;
+  AudioStreamFormat stereo = kCaptureFormat;
+  stereo.mSampleRate = 44100.0;
+  stereo.mBytesPerFrame = 4;
+  stereo.mChannelsPerFrame = 2;
+  int calls = 0;
+  auto unit = CubebOutput().newOutputUnit();
+  ASSERT_EQ(unit->setStreamFormat(stereo), 0);
+  ASSERT_EQ(unit->setRenderCallback(countCalls, &calls), 0);
+  ASSERT_EQ(unit->initialize(), 0);
+  unit->start();
+  std::array<std::uint32_t, 64> words{};
+  ASSERT_TRUE(soon(1s, [&] { return library.render(words); }));
+  EXPECT_EQ(calls, 1);
+  library.hang(true);
+  unit.reset();
+  words.fill(7);
+  EXPECT_TRUE(library.render(words));
+  EXPECT_EQ(calls, 1);
+  EXPECT_EQ(std::ranges::count(words, 0U), 64) << "silence";
+  library.hang(false);
+  EXPECT_TRUE(soon(3s, [&] { return library.contexts == 0; }));
 }
 
 TEST(SampleRing, HandsOverEverySampleInOrderOrCountsIt) {
