@@ -1,5 +1,7 @@
 #include "desktop/GuiStart.h"
 
+#include <malloc.h>
+
 #include <QIcon>
 #include <QInputDevice>
 #include <QLocale>
@@ -72,7 +74,16 @@ QVariantMap defaultTexts(const FileBundle& bundle) {
   return texts;
 }
 
+// Pictures come and go by megabytes. Left to itself the allocator learns from the first that goes
+// to keep their memory, and fills it with small things that stay.
+void giveMemoryBack() {
+#ifdef __GLIBC__
+  mallopt(M_MMAP_THRESHOLD, 128 * 1024);
+#endif
+}
+
 void setUpToolkit(const Options& options) {
+  giveMemoryBack();
   if (!options.screenshot.empty() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
   }
@@ -107,7 +118,7 @@ Gui::Gui(char** arguments, const Options& options, Log& log) {
   qInstallMessageHandler(logMessage);
   chooseRenderer();
   // For desktops that do not find it by the name of the desktop file.
-  QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/endpin/pictures/endpin128@2x.png")));
+  QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/endpin/pictures/endpin48@2x.png")));
 }
 
 Gui::~Gui() {
