@@ -5,6 +5,8 @@
 #include <QQuickItem>
 #include <QSignalSpy>
 #include <QTest>
+#include <algorithm>
+#include <map>
 #include <set>
 
 #include "adapters/qt/LayoutWindow.h"
@@ -110,6 +112,33 @@ TEST_P(LayoutsTest, BindsTheOutletsOfItsDeviceAndFollowsThemOnceATurn) {
   settle();
   EXPECT_FALSE(findItem(*window.root(), "turnUpTheVolumeLabel"));
   EXPECT_FALSE(findItem(*window.root(), "turnUpTheVolumeTriangleLabel"));
+}
+
+// The pictures that are loaded, and how many pixels each has.
+void addPictures(QQuickItem& item, std::map<QString, double>& pixels) {
+  const QString source = item.property("source").toString();
+  const int density = source.endsWith("@2x.png") ? 2 : 1;
+  if (!source.isEmpty()) {
+    pixels[source] = density * density * item.implicitWidth() * item.implicitHeight();
+  }
+  for (QQuickItem* child : item.childItems()) addPictures(*child, pixels);
+}
+
+TEST_P(LayoutsTest, LoadsNoMorePicturesThanItShows) {
+  std::map<QString, double> pixels;
+  addPictures(*window.root(), pixels);
+  double sum = 0;
+  for (const auto& picture : pixels) sum += picture.second;
+  EXPECT_LT(sum, model.width * model.height + 200000) << "with what is small";
+
+  const auto isFineCello = [](const auto& picture) {
+    return picture.first.contains("/cello") && picture.first.endsWith("@2x.png");
+  };
+  EXPECT_EQ(std::ranges::count_if(pixels, isFineCello), 0);
+  window.window().resize(2 * int(model.width), 2 * int(model.height));
+  settle();
+  addPictures(*window.root(), pixels);
+  EXPECT_EQ(std::ranges::count_if(pixels, isFineCello), 1) << "crisp, when it is large";
 }
 
 TEST_P(LayoutsTest, SettingsReachTheController) {

@@ -45,7 +45,7 @@ Rectangle {
         y: room.metrics.celloY
         width: 400 * room.metrics.unit
         height: 1100 * room.metrics.unit
-        source: Theme.picture(room.celloPicture)
+        source: Theme.largePicture(room.celloPicture, Screen.devicePixelRatio)
         Accessible.role: Accessible.Graphic
         Accessible.name: Texts.of("Cello")
     }

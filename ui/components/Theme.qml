@@ -41,4 +41,9 @@ QtObject {
     function picture(name: string): string {
         return name === "" ? "" : "qrc:/endpin/pictures/" + name.replace(".png", "@2x.png")
     }
+    // Of a large one no more is loaded than the screen can show; `density` is its pixels to a point
+    // of the window.
+    function largePicture(name: string, density: real): string {
+        return name === "" || density * zoom > 1 ? picture(name) : "qrc:/endpin/pictures/" + name
+    }
 }

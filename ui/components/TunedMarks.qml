@@ -11,10 +11,12 @@ Item {
 
     PictureOutlet {
         objectName: marks.stringOutlet
-        x: marks.metrics.celloX
-        y: marks.metrics.celloY
-        width: 400 * marks.metrics.unit
-        height: 1100 * marks.metrics.unit
+        x: marks.metrics.celloX + 140 * marks.metrics.unit
+        y: marks.metrics.celloY + 64 * marks.metrics.unit
+        width: 120 * marks.metrics.unit
+        height: 768 * marks.metrics.unit
+        fillMode: Image.Stretch  // exactly, whatever its pixels
+        large: true
     }
     Repeater {
         // The peg heads in the cello's units.
