@@ -128,7 +128,7 @@ FineSpectrum::Range FineSpectrum::binsNear(double hertz, double reach) {
   const double first = std::ceil((hertz - reach) / kBinWidth);
   const double last = std::floor((hertz + reach) / kBinWidth);
   return {static_cast<std::size_t>(std::max(first, 1.0)),
-          static_cast<std::size_t>(std::clamp(last, 0.0, kTransformSize / 2 - 1.0))};
+          static_cast<std::size_t>(std::clamp(last, 0.0, kTransformSize / 2.0 - 1))};
 }
 
 }  // namespace endpin

@@ -91,7 +91,7 @@ std::string environmentLanguage(const std::string& resourcePath) {
   if (saysNoLanguage(locale)) return "en";
   const std::string_view list = variable("LANGUAGE");
   for (const std::string& wanted : split(list.empty() ? locale : list, ":")) {
-    const std::string tag = languageTag(wanted);
+    std::string tag = languageTag(wanted);
     if (hasTexts(resourcePath, tag)) return tag;
   }
   return "en";

@@ -8,6 +8,7 @@
 #include <future>
 #include <memory>
 #include <thread>
+#include <utility>
 
 #include "adapters/posix/WakeUp.h"
 
@@ -57,6 +58,9 @@ class StreamSupervisor {
  private:
   // Of the control thread, which may outlive the supervisor.
   struct Control {
+    explicit Control(std::shared_ptr<SupervisedStream> supervised)
+        : stream(std::move(supervised)) {}
+
     const std::shared_ptr<SupervisedStream> stream;
     std::atomic<bool> wanted = false;
     std::atomic<bool> quit = false;
