@@ -10,6 +10,7 @@ Item {
     readonly property alias note: noteDisplay.text
 
     FittedText {
+        objectName: "caption"
         x: readOut.metrics.margin
         y: readOut.metrics.captionBaseline - baselineOffset
         visible: readOut.a4 !== ""

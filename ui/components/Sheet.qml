@@ -45,7 +45,8 @@ Item {
         id: paper
 
         readonly property bool floats: sheet.metrics.sheetLift > 0
-        readonly property real shownHeight: sheet.fills ? sheet.metrics.sheetLimit
+        readonly property bool covers: sheet.fills && sheet.metrics.sheetWidth >= sheet.width
+        readonly property real shownHeight: covers ? sheet.metrics.sheetLimit
             : Math.min(sheet.metrics.sheetLimit, sheet.contentHeight + sheet.metrics.sheetPadding)
 
         // A sheet on the bottom edge hides its lower corners and its sides beyond the screen.
@@ -53,9 +54,9 @@ Item {
         y: sheet.height - (shownHeight + sheet.metrics.sheetLift) * sheet.progress
         width: sheet.metrics.sheetWidth + (floats ? 0 : 2)
         height: shownHeight + (floats ? 0 : 24)
-        radius: sheet.fills ? 0 : 24
+        radius: covers ? 0 : 24
         color: Theme.sheet
-        edgeWidth: sheet.fills ? 0 : 1
+        edgeWidth: covers ? 0 : 1
         edge: Theme.line
 
         MouseArea { anchors.fill: parent }  // presses on the paper do not reach the scrim

@@ -40,7 +40,7 @@ Item {
         id: lamp
         objectName: marks.lampOutlet
         note: marks.note
-        x: marks.metrics.margin - 0.135 * width
+        x: marks.metrics.lampX
         y: marks.metrics.lampBottom - height
         width: marks.metrics.lamp
         height: width

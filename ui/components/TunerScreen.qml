@@ -51,7 +51,7 @@ Item {
 
     Metrics {
         id: metrics
-        width: screen.width
+        screenWidth: screen.width
         height: screen.height
         insets: screen.safeInsets
     }
@@ -61,12 +61,17 @@ Item {
         anchors.fill: parent
         enabled: !dialog.shown
 
+        // The column that the layout is.
         Item {
-            anchors.fill: parent
+            x: metrics.left
+            width: metrics.width
+            height: screen.height
             enabled: screen.openPanel === ""
 
             Backdrop {
-                anchors.fill: parent
+                x: -metrics.left
+                width: screen.width
+                height: screen.height
                 metrics: metrics
                 celloPicture: screen.celloPicture
             }
@@ -77,7 +82,7 @@ Item {
             }
             VolumeWarning {
                 x: metrics.margin
-                y: metrics.middle
+                y: metrics.warningBeside ? metrics.warningMiddle : metrics.warningTop
                 metrics: metrics
             }
             TunedMarks {
@@ -88,6 +93,7 @@ Item {
             }
             Dock {
                 id: dock
+                objectName: "dock"
                 x: metrics.margin
                 y: metrics.dockTop
                 width: metrics.dockWidth

@@ -1,6 +1,7 @@
 import QtQuick
 
-// Asks for more volume: a triangle over two lines of text.
+// Asks for more volume: a triangle over two lines of text, or left of the text and in the middle of
+// it where that is the place.
 Item {
     id: warning
 
@@ -17,6 +18,7 @@ Item {
         objectName: "turnUpTheVolumeTriangleLabel"
         hidden: true
         name: ""
+        y: warning.metrics.warningBeside ? -height / 2 : 0
         width: 1.65 * warning.metrics.caption
         height: width
         Image {
@@ -31,9 +33,12 @@ Item {
         objectName: "turnUpTheVolumeLabel"
         hidden: true
         name: Texts.of("TurnUpTheVolume")
-        initialText: warning.broken(Texts.of("TurnUpTheVolume"))
-        y: 2.95 * warning.metrics.caption - baselineOffset
-        room: warning.metrics.axis - 140 * warning.metrics.unit - warning.metrics.margin - 8
+        initialText: warning.metrics.warningBeside ? Texts.of("TurnUpTheVolume")
+                                                   : warning.broken(Texts.of("TurnUpTheVolume"))
+        x: warning.metrics.warningTextX - warning.metrics.margin
+        y: warning.metrics.warningBeside ? -height / 2
+                                         : 2.95 * warning.metrics.caption - baselineOffset
+        room: warning.metrics.warningRoom
         size: warning.metrics.caption
         leading: 1.25
         color: Theme.amber
