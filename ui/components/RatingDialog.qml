@@ -11,6 +11,7 @@ Item {
     property string message
     property var buttons: []
     property bool shown: false
+    readonly property bool flat: metrics.low && metrics.small  // no room for buttons in a stack
     signal chosen(int index)
 
     anchors.fill: parent
@@ -46,7 +47,7 @@ Item {
 
     Rounded {
         anchors.centerIn: parent
-        width: Math.min(dialog.width - 48, 400)
+        width: Math.min(dialog.width - 48, dialog.flat ? 520 : 400)
         height: column.height
         radius: 24
         color: Theme.sheet
@@ -86,23 +87,29 @@ Item {
                 Accessible.role: Accessible.StaticText
                 Accessible.name: text
             }
-            Repeater {
-                model: dialog.buttons
-                TextButton {
-                    required property string modelData
-                    required property int index
-                    readonly property bool first: index === 0
-                    readonly property bool last: index === dialog.buttons.length - 1
-                    width: column.width
-                    text: modelData
-                    fill: first ? Theme.brass : last ? "transparent" : Theme.control
-                    pressedFill: first ? Theme.brassPressed
-                                       : last ? "transparent" : Theme.controlPressed
-                    edge: first || last ? "transparent" : Theme.line
-                    ink: first ? Theme.inkOnBrass : last ? Theme.ink2 : Theme.ink
-                    pressedInk: first ? Theme.inkOnBrass : Theme.ink
-                    weight: first ? Font.Bold : Font.Medium
-                    onActivated: dialog.choose(index)
+            Grid {
+                id: answers
+                readonly property real cell: (column.width - (columns - 1) * spacing) / columns
+                columns: dialog.flat ? Math.max(1, dialog.buttons.length) : 1
+                spacing: 10
+                Repeater {
+                    model: dialog.buttons
+                    TextButton {
+                        required property string modelData
+                        required property int index
+                        readonly property bool first: index === 0
+                        readonly property bool last: index === dialog.buttons.length - 1
+                        width: answers.cell
+                        text: modelData
+                        fill: first ? Theme.brass : last ? "transparent" : Theme.control
+                        pressedFill: first ? Theme.brassPressed
+                                           : last ? "transparent" : Theme.controlPressed
+                        edge: first || last ? "transparent" : Theme.line
+                        ink: first ? Theme.inkOnBrass : last ? Theme.ink2 : Theme.ink
+                        pressedInk: first ? Theme.inkOnBrass : Theme.ink
+                        weight: first ? Font.Bold : Font.Medium
+                        onActivated: dialog.choose(index)
+                    }
                 }
             }
         }
