@@ -16,6 +16,10 @@ Rounded {
         return Array.from(cells.children).find(cell => cell.panel === panel)
     }
 
+    Tooltip {
+        id: tip
+        objectName: "tooltip"
+    }
     Row {
         id: cells
         anchors.fill: parent
@@ -42,6 +46,15 @@ Rounded {
                 fill: "transparent"
                 edge: "transparent"
                 onClicked: dock.asked(panel)
+                onPressedChanged: if (pressed) tip.target = null
+
+                HoverHandler {
+                    acceptedDevices: PointerDevice.Mouse | PointerDevice.TouchPad
+                    onHoveredChanged: {
+                        if (hovered) tip.target = parent
+                        else if (tip.target === parent) tip.target = null
+                    }
+                }
             }
         }
     }
