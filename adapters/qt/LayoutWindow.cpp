@@ -6,6 +6,7 @@
 #include <QQmlComponent>
 #include <QQmlError>
 #include <QScreen>
+#include <QShortcut>
 #include <QUrl>
 #include <algorithm>
 #include <cmath>
@@ -17,7 +18,28 @@ namespace {
 constexpr const char* kRoomColour = "#120D0A";
 constexpr double kSmallestScale = 0.5;
 constexpr double kPictureScale = 2;
-constexpr int kTitleBar = 48;  // points left free for what the desktop puts around a window
+constexpr int kTitleBar = 48;   // points left free for what the desktop puts around a window
+constexpr int kSmallest = 320;  // points: the width of the smallest layout, the height of one lying
+constexpr double kLonger = 480;  // its other side
+constexpr double kLying = 1.2;   // width to height, from which a layout lies
+
+// How much smaller than its points a layout is shown in less room than the smallest needs.
+double shrinkingFor(QSizeF points) {
+  const bool lying = points.width() >= kLying * points.height();
+  const QSizeF least = lying ? QSizeF(kLonger, kSmallest) : QSizeF(kSmallest, kLonger);
+  return std::min({1.0, points.width() / least.width(), points.height() / least.height()});
+}
+
+// What the hardware covers, upright and lying. A phone on its side has the notch there, and a lower
+// home indicator.
+QVariantMap insetsOf(const DeviceModel& model) {
+  constexpr double kLyingIndicator = 21;
+  const bool phone = model.idiom == InterfaceIdiom::Phone;
+  const double below = phone ? std::min(model.safeBottom, kLyingIndicator) : model.safeBottom;
+  const QVariantMap lying{
+      {"side", phone ? model.safeTop : 0}, {"top", phone ? 0 : model.safeTop}, {"bottom", below}};
+  return {{"top", model.safeTop}, {"bottom", model.safeBottom}, {"lying", lying}};
+}
 
 }  // namespace
 
@@ -29,12 +51,19 @@ LayoutWindow::LayoutWindow(Setup setup, ViewController& controller, Log& log)
   });
   window_.setTitle(QStringLiteral("Endpin"));
   window_.setColor(QColor(kRoomColour));
+  const auto bind = [this](const char* keys, auto does) {
+    new QShortcut(QKeySequence(QLatin1String(keys)), &window_, does, Qt::WindowShortcut);
+  };
+  bind("Ctrl+Q", [this] { window_.close(); });
+  bind("Ctrl+W", [this] { window_.close(); });
+  bind("F11", [this] { window_.setWindowStates(window_.windowStates() ^ Qt::WindowFullScreen); });
   QObject::connect(&window_, &QWindow::widthChanged, &window_, [this] { arrange(); });
   QObject::connect(&window_, &QWindow::heightChanged, &window_, [this] { arrange(); });
 }
 
 void LayoutWindow::installLayout(const std::string& name) {
   binder_.reset();
+  prepare();
   root_ = load(name);
   if (!root_) return;
   root_->setParentItem(window_.contentItem());
@@ -50,12 +79,12 @@ void LayoutWindow::installLayout(const std::string& name) {
 std::unique_ptr<QQuickItem> LayoutWindow::load(const std::string& name) {
   const QUrl url(setup_.folder + QString::fromStdString(name) + ".qml");
   QQmlComponent component(&engine_, url, QQmlComponent::PreferSynchronous);
-  const QVariantMap insets{{"top", setup_.model.safeTop}, {"bottom", setup_.model.safeBottom}};
+  const QSizeF size = layoutSize();
   std::unique_ptr<QObject> object;
   if (component.isReady()) {  // to make an object of a faulty one ends the process
-    object.reset(component.createWithInitialProperties({{"width", setup_.model.width},
-                                                        {"height", setup_.model.height},
-                                                        {"safeInsets", insets},
+    object.reset(component.createWithInitialProperties({{"width", size.width()},
+                                                        {"height", size.height()},
+                                                        {"safeInsets", insetsOf(setup_.model)},
                                                         {"texts", setup_.texts},
                                                         {"version", setup_.version},
                                                         {"reducedMotion", reducedMotion_}}));
@@ -69,36 +98,64 @@ std::unique_ptr<QQuickItem> LayoutWindow::load(const std::string& name) {
   return nullptr;
 }
 
-void LayoutWindow::show() {
+// Gives the window its size before there is a layout, which is then made for it.
+void LayoutWindow::prepare() {
   const QSizeF size(setup_.model.width, setup_.model.height);
+  const QSizeF room = window_.screen()->availableSize() - QSize(0, kTitleBar);
   if (setup_.presentation == Presentation::Picture) {
     window_.setFlags(Qt::FramelessWindowHint | Qt::BypassWindowManagerHint);
-    window_.resize((size * kPictureScale / window_.devicePixelRatio()).toSize());
-    window_.show();
+    const QSizeF points = setup_.size.isEmpty() ? size : setup_.size;
+    window_.resize((points * kPictureScale / window_.devicePixelRatio()).toSize());
   } else if (setup_.presentation == Presentation::Screen) {
-    window_.showMaximized();
-  } else {
-    const QSizeF room = window_.screen()->availableSize() - QSize(0, kTitleBar);
+    window_.resize(window_.screen()->availableSize());
+  } else if (setup_.presentation == Presentation::Device) {
     const double scale =
         std::min({1.0, room.width() / size.width(), room.height() / size.height()});
     window_.setMinimumSize((size * std::min(kSmallestScale, scale)).toSize());
     window_.resize((size * scale).toSize());
+  } else {
+    window_.setMinimumSize({kSmallest, kSmallest});
+    window_.resize(size.boundedTo(room).toSize());
+    if (setup_.settings && !memory_) memory_.emplace(window_, *setup_.settings).restore();
+  }
+}
+
+void LayoutWindow::show() {
+  if (setup_.presentation == Presentation::Screen) {
+    window_.showMaximized();
+  } else if (window_.windowStates()) {
+    window_.setVisible(true);  // show() would forget them
+  } else {
     window_.show();
   }
   arrange();
 }
 
-// The layout keeps its proportions and lies in the middle, on whole pixels: lines and pictures stay
-// sharp.
+double LayoutWindow::scale() const {
+  const QSizeF room = window_.size();
+  if (setup_.presentation == Presentation::Device) {
+    return std::min(room.width() / setup_.model.width, room.height() / setup_.model.height);
+  }
+  const bool picture = setup_.presentation == Presentation::Picture;
+  const double density = picture ? kPictureScale / window_.devicePixelRatio() : 1;
+  return density * shrinkingFor(room / density);
+}
+
+QSizeF LayoutWindow::layoutSize() const {
+  if (setup_.presentation != Presentation::Device) return QSizeF(window_.size()) / scale();
+  return {setup_.model.width, setup_.model.height};
+}
+
+// A device that keeps its size lies in the middle, on whole pixels: lines and pictures stay sharp.
 void LayoutWindow::arrange() {
   if (!root_) return;
-  const QSizeF room = window_.size();
-  const double scale = std::min(room.width() / root_->width(), room.height() / root_->height());
+  const QSizeF size = layoutSize();
+  const QSizeF free = QSizeF(window_.size()) - size * scale();
   const double pixel = 1 / window_.devicePixelRatio();
-  const auto centred = [pixel](double free) { return std::floor(free / 2 / pixel) * pixel; };
-  root_->setScale(scale);
-  root_->setPosition({centred(room.width() - root_->width() * scale),
-                      centred(room.height() - root_->height() * scale)});
+  const auto half = [pixel](double length) { return std::floor(length / 2 / pixel) * pixel; };
+  root_->setScale(scale());
+  root_->setSize(size);
+  root_->setPosition({half(free.width()), half(free.height())});
 }
 
 QPointF LayoutWindow::inWindow(QPointF layoutPoint) const {
@@ -130,6 +187,13 @@ std::optional<std::string> LayoutWindow::saveScreenshot(const std::string& path)
   if (picture.isNull()) return "the window cannot be drawn";
   if (!picture.save(QString::fromStdString(path), "PNG")) return path + " cannot be written";
   return {};
+}
+
+// What comes back from the layout: nothing is open that it would close.
+void LayoutWindow::KeyWindow::keyPressEvent(QKeyEvent* event) {
+  QQuickWindow::keyPressEvent(event);
+  if (event->isAccepted() || event->key() != Qt::Key_Escape) return;
+  if (windowStates() & Qt::WindowFullScreen) setWindowStates(windowStates() ^ Qt::WindowFullScreen);
 }
 
 }  // namespace endpin

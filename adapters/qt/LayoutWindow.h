@@ -1,10 +1,14 @@
-// The window of the application: shows one layout, scaled as a whole and in its own proportions to
-// whatever size the window has, the room's colour around it. Thread: main, after the application
-// object.
+// The window of the application: shows one layout, which fills it and follows its size. Only a
+// simulated device keeps its size: it is scaled as a whole, the room's colour around it. Thread:
+// main, after the application object.
 //
-// A layout is the QML file of its name. It gets the device's `width` and `height` (points),
-// `safeInsets` ({top, bottom}, points), `texts` (every text of the default table), `version` and
-// `reducedMotion`; `openPanel` names the panel that slides over it, "" for none.
+// A layout is the QML file of its name. It gets its `width` and `height` (points), `safeInsets`
+// ({top, bottom}, and `lying` for the device on its side: {side, top, bottom}; points), `texts`
+// (every text of the default table), `version` and `reducedMotion`; `openPanel` names the panel
+// that slides over it, "" for none.
+//
+// Keys that the layout has no use for: Ctrl+Q and Ctrl+W close the window, F11 fills the screen,
+// F11 and Escape go back.
 #pragma once
 
 #include <QQmlEngine>
@@ -17,13 +21,15 @@
 #include <string>
 
 #include "adapters/qt/LayoutBinder.h"
+#include "adapters/qt/WindowMemory.h"
 #include "app/DeviceChoice.h"
 #include "ports/Screen.h"
 
 namespace endpin {
 
 enum class Presentation {
-  Window,   // of the device's size, smaller on a screen that is too low for it
+  Device,   // simulated: scaled to fit its window
+  Window,   // a desktop's: of the size it had last or, at first, the device's
   Screen,   // fills the screen, which is the device
   Picture,  // two pixels a point, to be saved
 };
@@ -32,7 +38,9 @@ class LayoutWindow final : public Screen {
  public:
   struct Setup {
     DeviceModel model;
-    Presentation presentation = Presentation::Window;
+    Presentation presentation = Presentation::Device;
+    QSizeF size = {};                   // of a picture in points; empty: the device's
+    SettingsStore* settings = nullptr;  // remember a desktop's window; outlive it
     QVariantMap texts = {};
     QString version = {};                                     // of the application, for people
     QString openPanel = {};                                   // at start
@@ -63,9 +71,18 @@ class LayoutWindow final : public Screen {
   [[nodiscard]] QPointF inWindow(QPointF layoutPoint) const;
 
  private:
+  // The one that takes keys which nothing in it took.
+  class KeyWindow final : public QQuickWindow {
+   protected:
+    void keyPressEvent(QKeyEvent* event) override;
+  };
+
   std::unique_ptr<QQuickItem> load(const std::string& name);
+  void prepare();
   void show();
   void arrange();
+  [[nodiscard]] double scale() const;       // of a layout's points to the window's
+  [[nodiscard]] QSizeF layoutSize() const;  // in its points
 
   Setup setup_;
   ViewController& controller_;
@@ -73,7 +90,8 @@ class LayoutWindow final : public Screen {
   bool reducedMotion_ = false;
   QQmlEngine engine_;
   std::unique_ptr<QQuickItem> root_;
-  QQuickWindow window_;  // goes before what it shows: it frees what was made for drawing it
+  KeyWindow window_;  // goes before what it shows: it frees what was made for drawing it
+  std::optional<WindowMemory> memory_;
   std::unique_ptr<LayoutBinder> binder_;
 };
 
