@@ -60,8 +60,8 @@ std::optional<DeviceModel> deviceOfScreen() {
 
 Presentation choosePresentation(const Options& options) {
   if (!options.screenshot.empty()) return Presentation::Picture;
-  const bool screenIsDevice = !options.device && deviceOfScreen();
-  return screenIsDevice ? Presentation::Screen : Presentation::Window;
+  if (options.device) return Presentation::Device;
+  return deviceOfScreen() ? Presentation::Screen : Presentation::Window;
 }
 
 // For titles and spoken names that only the layouts know.
@@ -131,10 +131,13 @@ DeviceModel chooseDevice(const Options& options) {
   return options.device.value_or(deviceOfScreen().value_or(desktopDevice()));
 }
 
-LayoutWindow::Setup setUpWindow(const Options& options, const DeviceModel& model,
-                                const FileBundle& bundle) {
+LayoutWindow::Setup setUpWindow(const Options& options, DeviceModel model, const FileBundle& bundle,
+                                SettingsStore& settings) {
+  if (!options.device && !deviceOfScreen()) model.safeTop = model.safeBottom = 0;
   return {.model = model,
           .presentation = choosePresentation(options),
+          .size = options.size,
+          .settings = &settings,
           .texts = defaultTexts(bundle),
           .version = QString::fromStdString(bundle.infoValue("CFBundleVersion").value_or("")),
           .openPanel = QString::fromStdString(options.panel)};

@@ -35,9 +35,10 @@ class Gui {
 // The device to be: the simulated one, or what the screen suggests. While there is a Gui.
 [[nodiscard]] DeviceModel chooseDevice(const Options& options);
 
-// How the window is to look. While there is a Gui.
-[[nodiscard]] LayoutWindow::Setup setUpWindow(const Options& options, const DeviceModel& model,
-                                              const FileBundle& bundle);
+// How the window is to look: as that device, of which nothing is covered on a desktop. `settings`
+// outlive the window. While there is a Gui.
+[[nodiscard]] LayoutWindow::Setup setUpWindow(const Options& options, DeviceModel model,
+                                              const FileBundle& bundle, SettingsStore& settings);
 
 // Says in `log` when the first frame is on the screen. Both outlive the event loop.
 void logFirstFrame(LayoutWindow& window, Log& log);

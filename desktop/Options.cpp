@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <QStringList>
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -18,6 +19,7 @@ struct Arguments {
   Options options;
   std::string device;
   std::string store;
+  std::string size;
   bool listDevices = false;
 };
 
@@ -37,6 +39,8 @@ void addOptions(CLI::App& app, Arguments& into) {
   app.add_option("--after", options.after, "Seconds until the screenshot (1)")->needs(screenshot);
   app.add_flag_callback(
       "--no-network", [&options] { options.network = false; }, "Send nothing over the network");
+  app.add_option("--size", into.size, "Size of the screen in points, such as 1280x720")
+      ->needs(screenshot);
   app.add_flag("--verbose", options.verbose, "Write the log to standard error");
 }
 
@@ -52,6 +56,16 @@ std::string deviceTable() {
   return table;
 }
 
+// "WIDTHxHEIGHT"; empty for anything else, and for what no screen measures.
+QSize sizeNamed(const std::string& name) {
+  constexpr int kLeast = 320;
+  constexpr int kMost = 8192;
+  const auto parts = QString::fromStdString(name).split('x');
+  const QSize size = parts.size() == 2 ? QSize(parts[0].toInt(), parts[1].toInt()) : QSize();
+  const QSize inRange = size.expandedTo({kLeast, kLeast}).boundedTo({kMost, kMost});
+  return size == inRange ? size : QSize();
+}
+
 Options checked(Arguments arguments) {
   Options& options = arguments.options;
   if (!arguments.device.empty()) {
@@ -65,6 +79,13 @@ Options checked(Arguments arguments) {
       std::find(kPanels.begin(), kPanels.end(), options.panel) == kPanels.end()) {
     rejectArguments(fmt::format("there is no panel \"{}\": --panel takes {}", options.panel,
                                 fmt::join(kPanels, ", ")));
+  }
+  if (!arguments.size.empty()) {
+    options.size = sizeNamed(arguments.size);
+    if (options.size.isEmpty()) {
+      rejectArguments(
+          fmt::format("--size takes WIDTHxHEIGHT, each 320 to 8192, not \"{}\"", arguments.size));
+    }
   }
   constexpr double kLongest = 86400;
   if (!(options.after >= 0 && options.after <= kLongest)) {

@@ -1,6 +1,7 @@
 // What the user asked for on the command line. Thread: main.
 #pragma once
 
+#include <QSize>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -20,6 +21,7 @@ struct Options {
   std::string panel;                  // to open at start; empty: none
   std::string screenshot;             // file to write; empty: none
   double after = 1;                   // seconds until then
+  QSize size;                         // of the screenshot in points; empty: the device's
   bool network = true;                // the one request a run may be sent
   bool verbose = false;               // the log goes to standard error
 };

@@ -55,8 +55,8 @@ int run(const Options& options, char** arguments) {
                     .log = log};
 
   Application application(platform);
-  LayoutWindow window(setUpWindow(options, device.model(), bundle), application.controller(),
-                      problems);
+  LayoutWindow window(setUpWindow(options, device.model(), bundle, *settings),
+                      application.controller(), problems);
   SystemClock clock;
   SystemNetwork network(options.network, "Endpin/" ENDPIN_VERSION);
   const AppLifecycle life(application, platform, window,

@@ -108,6 +108,10 @@ TEST_F(DesktopTest, RefusesWhatMakesNoSenseInOneLine) {
       {{"--after", "2"}, "--screenshot"},
       {{"--screenshot", "x.png", "--after", "soon"}, "--after"},
       {{"--screenshot", "x.png", "--after", "nan"}, "--after"},
+      {{"--size", "640x480"}, "--screenshot"},
+      {{"--screenshot", "x.png", "--size", "640"}, "640"},
+      {{"--screenshot", "x.png", "--size", "640x319"}, "640x319"},
+      {{"--screenshot", "x.png", "--size", "9000x640"}, "9000x640"},
       {{"--loud"}, "--loud"},
   };
   for (const auto& [words, named] : rows) expectRefusal(2, words, named);
@@ -125,6 +129,7 @@ TEST_F(DesktopTest, ShowsTheStringOfAFileOnADeviceOfTheList) {
   EXPECT_NE(list.output.find("phone:667     375 x 667\n"), std::string::npos) << list.output;
   const QImage silent = screen("0.3", {"--device", "phone:667"});
   EXPECT_EQ(silent.size(), QSize(750, 1334));
+  EXPECT_EQ(screen("0", {"--size", "1280x720"}).size(), QSize(2560, 1440));
   EXPECT_EQ(greenPixels(silent), 0);
   testing::writeWav(folder.file("d3.wav"), testing::bowedTone(48000, 6, 146.8323839594813));
   EXPECT_GT(greenPixels(screen("3", {"--input", folder.file("d3.wav")})), 500) << "lamp and ring";
@@ -167,6 +172,7 @@ TEST_F(DesktopTest, APictureIsNoUse) {
   NullLog log;
   const SqliteStore own(file, log);
   EXPECT_TRUE(own.boolForKey("NewFirstLaunchCello"));
+  EXPECT_FALSE(own.stringForKey("windowWidth"));
   EXPECT_EQ(own.integerForKey(UsageTracker::kUseCount), 0);
   EXPECT_EQ(own.doubleForKey(UsageTracker::kFirstUseDate), 0);
 }
