@@ -243,7 +243,7 @@ struct LayoutTest : ::testing::Test {
   ViewController& controller = application.controller();
 };
 
-TEST_F(LayoutTest, KeepsItsProportionsInTheMiddleAndLeavesNothingBehind) {
+TEST_F(LayoutTest, ASimulatedDeviceLiesInTheMiddleAndLeavesNothingBehind) {
   LayoutWindow window({.model = desktopDevice()}, controller, faults);
   window.installLayout("Main_iPhone12Pro");
   window.window().resize(1000, 422);

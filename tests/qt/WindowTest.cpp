@@ -1,0 +1,339 @@
+// A desktop's window: one layout at any size, what is remembered of the window, its keys.
+#include <gtest/gtest.h>
+
+#include <QGuiApplication>
+#include <QImage>
+#include <QQuickItem>
+#include <QScreen>
+#include <QTest>
+#include <cmath>
+
+#include "adapters/qt/LayoutWindow.h"
+#include "app/Application.h"
+#include "tests/fakes/FakePlatform.h"
+#include "tests/qt/FindItem.h"
+
+namespace endpin {
+namespace {
+
+struct WindowTest : ::testing::Test {
+  fakes::FakePlatform fake;
+  fakes::FakeLog faults;
+  Application application{fake.platform, false};
+  ViewController& controller = application.controller();
+  std::unique_ptr<LayoutWindow> shown;
+
+  // A new window with the settings of the last one, as after a restart.
+  LayoutWindow& start(Presentation presentation = Presentation::Window) {
+    shown.reset();
+    DeviceModel model = desktopDevice();
+    model.safeTop = model.safeBottom = 0;
+    shown = std::make_unique<LayoutWindow>(
+        LayoutWindow::Setup{
+            .model = model, .presentation = presentation, .settings = &fake.settings},
+        controller, faults);
+    shown->setReducedMotion(true);
+    shown->installLayout(model.layout);
+    QTest::qWait(5);
+    return *shown;
+  }
+  QQuickWindow& window() { return shown->window(); }
+  QQuickItem& item(const QString& wanted) {
+    QQuickItem* found = findItem(*shown->root(), wanted);
+    if (!found) throw std::runtime_error("nothing visible is called " + wanted.toStdString());
+    return *found;
+  }
+  void open(const char* panel) {
+    shown->root()->setProperty("openPanel", panel);
+    QTest::qWait(5);
+  }
+  QString panel() { return shown->root()->property("openPanel").toString(); }
+  void press(int key, Qt::KeyboardModifiers modifiers = {}) {
+    QTest::keyClick(&window(), static_cast<Qt::Key>(key), modifiers);
+    QTest::qWait(5);
+  }
+  bool fullScreen() { return window().windowStates().testFlag(Qt::WindowFullScreen); }
+};
+
+QRectF inScene(const QQuickItem& item) {
+  return item.mapRectToScene({0, 0, item.width(), item.height()});
+}
+
+// What a text covers: from the top of its capitals to its last baseline, or a little below it.
+QRectF inkOf(const QQuickItem& text) {
+  const double size = text.property("size").toDouble();
+  QRectF box = inScene(text);
+  const bool oneLine = box.height() < 1.9 * size;
+  const double baseline = box.top() + text.baselineOffset();
+  if (oneLine) box.setBottom(baseline);
+  box.setTop(baseline - 0.72 * size);
+  return box;
+}
+
+// Everything that can be pressed, of those that are on.
+std::vector<QQuickItem*> targetsIn(QQuickItem& item) {
+  std::vector<QQuickItem*> targets;
+  if (!item.isVisible() || !item.isEnabled()) return targets;
+  if (item.property("pressedScale").isValid()) targets.push_back(&item);
+  for (QQuickItem* child : item.childItems()) {
+    const auto more = targetsIn(*child);
+    targets.insert(targets.end(), more.begin(), more.end());
+  }
+  return targets;
+}
+
+// The greatest difference of a channel.
+int contrast(QRgb a, QRgb b) {
+  return std::max({std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)),
+                   std::abs(qBlue(a) - qBlue(b))});
+}
+
+constexpr int kSeam = 7;  // more than one step of the light
+
+// The greatest step from one pixel to the next along a line, but for the lines next to `but`.
+int greatestStep(const QImage& image, QPoint from, QPoint along, int count, int but = -9) {
+  int greatest = 0;
+  for (int i = 1; i < count; ++i) {
+    if (std::abs(i - but) <= 3) continue;
+    const QPoint here = from + along * i;
+    greatest = std::max(greatest, contrast(image.pixel(here), image.pixel(here - along)));
+  }
+  return greatest;
+}
+
+struct AnySize : WindowTest, ::testing::WithParamInterface<QSize> {
+  AnySize() {
+    start();
+    window().resize(GetParam());
+    controller.freq_label.setText("146.8Hz");
+    controller.noteDisplay.setText("D3");
+    controller.setTunedStringsHidden(false);
+    fake.session.volume = 0.1F;
+    controller.checkVolume();
+    QTest::qWait(30);
+    for (const char* sign : {"turnUpTheVolumeLabel", "turnUpTheVolumeTriangleLabel"}) {
+      item(sign).setProperty("blinking", false);
+    }
+    cello = inScene(item("tunedString5"));
+  }
+  const QRectF room{{0, 0}, GetParam()};
+  QRectF cello;  // 400 x 1100 units
+
+  [[nodiscard]] QRectF ofCello(double left, double top, double right, double bottom) const {
+    const double unit = cello.width() / 400;
+    return {cello.topLeft() + unit * QPointF(left, top),
+            cello.topLeft() + unit * QPointF(right, bottom)};
+  }
+};
+
+TEST_P(AnySize, TheRoomRunsOnToEveryEdge) {
+  const QImage image = window().grabWindow();
+  ASSERT_EQ(image.size(), GetParam());
+  const int width = image.width();
+  const int height = image.height();
+  const int floor = static_cast<int>(std::round(ofCello(0, 0, 0, 1097).bottom()));
+  EXPECT_LT(greatestStep(image, {0, 0}, {1, 0}, width), kSeam) << "upper edge";
+  EXPECT_LT(greatestStep(image, {0, height - 1}, {1, 0}, width), kSeam) << "lower edge";
+  for (const int x : {0, width - 1}) {
+    EXPECT_LT(greatestStep(image, {x, 0}, {0, 1}, height, floor), kSeam) << "side edge";
+    const QPoint inward(x == 0 ? 1 : -1, 0);
+    for (int y = 0; y < height; ++y) {
+      ASSERT_LT(greatestStep(image, {x, y}, inward, 5), kSeam) << x << ", " << y;
+    }
+  }
+  int line = 0;
+  for (int y = floor - 2; y <= floor + 1; ++y) {
+    line = std::max(line, contrast(image.pixel(width - 1, y), image.pixel(width - 1, floor + 4)));
+  }
+  EXPECT_GT(line, 15) << "the floor line reaches the edge";
+}
+
+TEST_P(AnySize, NothingIsCutAndNothingOverlaps) {
+  EXPECT_NEAR(cello.width() / cello.height(), 400.0 / 1100, 1e-6);
+  QRectF glass = inScene(item("LEDDisplay128"));
+  glass.adjust(0.16 * glass.width(), 0.16 * glass.width(), -0.16 * glass.width(),
+               -0.16 * glass.width());
+  const std::pair<const char*, QRectF> things[] = {
+      {"caption", inkOf(item("caption"))},
+      {"note", inkOf(item("noteDisplay"))},
+      {"read-out", inkOf(item("freq_label"))},
+      {"warning", inkOf(item("turnUpTheVolumeLabel"))},
+      {"sign", inScene(item("turnUpTheVolumeTriangleLabel"))},
+      {"lamp", glass},
+      {"dock", inScene(item("dock"))},
+      {"pegs", ofCello(110, 10, 290, 230)},
+      {"upper body", ofCello(60, 419, 340, 777)},
+      {"lower body", ofCello(24, 777, 376, 1012)}};
+  for (const auto& [name, box] : things) {
+    EXPECT_TRUE(room.contains(box)) << name;
+    for (const auto& [other, otherBox] : things) {
+      if (std::string_view(name) < other) {
+        EXPECT_FALSE(box.intersects(otherBox)) << name << " and " << other;
+      }
+    }
+  }
+}
+
+TEST_P(AnySize, EveryTargetIsLargeEnoughAndInside) {
+  for (const char* name : {"", "fork", "chart", "about"}) {
+    open(name);
+    const auto targets = targetsIn(*shown->root());
+    EXPECT_GE(targets.size(), *name ? 1U : 4U) << name;
+    for (const QQuickItem* target : targets) {
+      const QRectF box = inScene(*target);
+      const std::string which = std::string(name) + ": " + target->objectName().toStdString();
+      EXPECT_GE(std::min(box.width(), box.height()), 44) << which;
+      EXPECT_TRUE(room.contains(box)) << which;
+    }
+  }
+}
+
+TEST_P(AnySize, TheDialogFits) {
+  QObject* dialog = shown->root()->findChild<QObject*>("ratingDialog");
+  ASSERT_TRUE(dialog);
+  dialog->setProperty("title", "Bewerte diese App");
+  dialog->setProperty("message",
+                      "Wenn du diese App gerne benutzt, würdest du dir kurz die Zeit "
+                      "nehmen, sie zu bewerten? Vielen Dank für deine Unterstützung!");
+  dialog->setProperty("buttons", QStringList{"Jetzt bewerten", "Später erinnern", "Nein, danke"});
+  dialog->setProperty("shown", true);
+  window().grabWindow();  // lays everything out
+  const auto buttons = targetsIn(*shown->root());
+  ASSERT_EQ(buttons.size(), 3U);
+  for (QQuickItem* item = buttons[0]; item != dialog; item = item->parentItem()) {
+    const QRectF box = inScene(*item);
+    EXPECT_TRUE(room.contains(box)) << box.top() << " to " << box.bottom();
+  }
+  for (const QQuickItem* button : buttons) EXPECT_TRUE(room.contains(inScene(*button)));
+}
+
+INSTANTIATE_TEST_SUITE_P(Sizes, AnySize,
+                         ::testing::Values(QSize(320, 480), QSize(480, 320), QSize(844, 390),
+                                           QSize(900, 900), QSize(1024, 768), QSize(1366, 1024),
+                                           QSize(1920, 1080), QSize(2560, 1080), QSize(330, 1300),
+                                           QSize(620, 1400), QSize(540, 450), QSize(840, 699)),
+                         [](const auto& row) {
+                           return std::to_string(row.param.width()) + "x" +
+                                  std::to_string(row.param.height());
+                         });
+
+TEST_F(WindowTest, ALayoutIsNeverSmallerThanTheSmallest) {
+  start();
+  for (const QSize size : {QSize(320, 320), QSize(400, 330), QSize(160, 240)}) {
+    window().setMinimumSize({});
+    window().resize(size);
+    QTest::qWait(5);
+    const QQuickItem& root = *shown->root();
+    EXPECT_GE(std::max(root.width(), root.height()), 480) << size.width();
+    EXPECT_GE(std::min(root.width(), root.height()), 320) << size.width();
+    EXPECT_NEAR(root.width() * root.scale(), size.width(), 1e-6);
+    EXPECT_NEAR(root.height() * root.scale(), size.height(), 1e-6);
+  }
+}
+
+TEST_F(WindowTest, IsRememberedOverARestart) {
+  start();
+  EXPECT_EQ(window().size(), QSize(390, 752)) << "the device's, cut to the screen";
+  window().setGeometry(40, 60, 700, 500);
+  QTest::qWait(600);
+  window().setGeometry(45, 65, 710, 510);
+  QTest::qWait(5);
+  window().close();  // before it has settled
+  start();
+  EXPECT_EQ(window().geometry(), QRect(45, 65, 710, 510));
+  EXPECT_EQ(shown->root()->size(), QSizeF(710, 510));
+
+  for (const Qt::WindowState state : {Qt::WindowMaximized, Qt::WindowFullScreen}) {
+    window().setWindowStates(state);
+    start();
+    EXPECT_EQ(window().windowStates(), state);
+    EXPECT_EQ(shown->root()->size(), QSizeF(window().size()));
+    EXPECT_EQ(fake.settings.integerForKey("windowWidth"), 710) << "that of the window by itself";
+  }
+}
+
+TEST_F(WindowTest, WhatIsRememberedHasToBeOfUse) {
+  const QSize screen = QGuiApplication::primaryScreen()->availableSize();
+  const struct {
+    int x, y, width, height;
+    bool placed;
+    QSize size;
+  } rows[] = {
+      {0, 0, 500, 600, true, {500, 600}},
+      {-400, 20, 500, 600, true, {500, 600}},
+      {-450, 20, 500, 600, false, {500, 600}},
+      {screen.width() - 50, 20, 500, 600, false, {500, 600}},
+      {20, -40, 500, 600, false, {500, 600}},
+      {5000, 5000, 500, 600, false, {500, 600}},
+      {20, 20, 9000, 9000, true, screen - QSize(0, 48)},
+      {20, 20, 0, 600, false, {390, 752}},
+      {20, 20, -5, -5, false, {390, 752}},
+  };
+  constexpr int kFrame = 4;  // the toolkit keeps the one of its own making on the screen
+  for (const auto& row : rows) {
+    shown.reset();
+    fake.settings.setInteger("windowX", row.x);
+    fake.settings.setInteger("windowY", row.y);
+    fake.settings.setInteger("windowWidth", row.width);
+    fake.settings.setInteger("windowHeight", row.height);
+    start();
+    const QPoint aside = window().position() - QPoint(row.x, row.y);
+    EXPECT_EQ(aside.manhattanLength() <= kFrame, row.placed) << row.x << ", " << row.y;
+    EXPECT_EQ(window().size(), row.size) << row.width;
+  }
+}
+
+TEST_F(WindowTest, OnlyADesktopsOwnWindowIsRemembered) {
+  for (const auto kind : {Presentation::Device, Presentation::Picture, Presentation::Screen}) {
+    start(kind);
+    window().resize(500, 600);
+    window().close();
+    EXPECT_FALSE(fake.settings.stringForKey("windowWidth"));
+  }
+}
+
+TEST_F(WindowTest, KeysCloseItAndFillTheScreen) {
+  for (const Qt::Key key : {Qt::Key_Q, Qt::Key_W}) {
+    start();
+    press(key);
+    EXPECT_TRUE(window().isVisible()) << "without Ctrl";
+    press(key, Qt::ControlModifier);
+    EXPECT_FALSE(window().isVisible());
+  }
+  start();
+  press(Qt::Key_F11);
+  EXPECT_TRUE(fullScreen());
+  press(Qt::Key_F11);
+  EXPECT_FALSE(fullScreen());
+  window().setWindowStates(Qt::WindowMaximized);
+  press(Qt::Key_F11);
+  open("settings");
+  press(Qt::Key_Escape);
+  EXPECT_EQ(panel(), "");
+  EXPECT_TRUE(fullScreen()) << "one press closes the panel only";
+  press(Qt::Key_Escape);
+  EXPECT_EQ(window().windowStates(), Qt::WindowMaximized);
+}
+
+TEST_F(WindowTest, TheDockSaysWhatItsPicturesStandFor) {
+  start();
+  const auto hover = [this](const QPointF& place) {
+    QTest::mouseMove(&window(), place.toPoint());
+    QTest::qWait(700);
+    return findItem(*shown->root(), "tooltip");
+  };
+  const QPointF cell = inScene(item("chart")).center();
+  const QQuickItem* tip = hover(cell);
+  ASSERT_TRUE(tip);
+  EXPECT_TRUE(inScene(*shown->root()).contains(inScene(*tip)));
+  EXPECT_EQ(tip->property("text"), item("chart").property("name"));
+  QTest::mousePress(&window(), Qt::LeftButton, {}, cell.toPoint());
+  EXPECT_FALSE(findItem(*shown->root(), "tooltip")) << "pressed";
+  QTest::mouseRelease(&window(), Qt::LeftButton, {}, cell.toPoint());
+  press(Qt::Key_Escape);
+  EXPECT_TRUE(hover(inScene(item("about")).center()));
+  EXPECT_FALSE(hover({10, 10}));
+}
+
+}  // namespace
+}  // namespace endpin
