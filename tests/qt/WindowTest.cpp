@@ -114,7 +114,7 @@ struct AnySize : WindowTest, ::testing::WithParamInterface<QSize> {
     for (const char* sign : {"turnUpTheVolumeLabel", "turnUpTheVolumeTriangleLabel"}) {
       item(sign).setProperty("blinking", false);
     }
-    cello = inScene(item("tunedString5"));
+    cello = inScene(item("cello"));
   }
   const QRectF room{{0, 0}, GetParam()};
   QRectF cello;  // 400 x 1100 units

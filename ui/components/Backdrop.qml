@@ -48,10 +48,14 @@ Rectangle {
     }
     Image {
         x: room.metrics.left + room.metrics.celloX
+        objectName: "cello"
         y: room.metrics.celloY
         width: 400 * room.metrics.unit
         height: 1100 * room.metrics.unit
-        source: Theme.largePicture(room.celloPicture, Screen.devicePixelRatio)
+        // A window may be larger than twice what a phone's picture is made for.
+        readonly property bool huge: room.metrics.unit * Theme.zoom * Screen.devicePixelRatio > 1.26
+        source: Theme.onCello(huge ? "cello_iPad_Pro.png" : room.celloPicture, room.metrics.unit,
+                              Screen.devicePixelRatio)
         Accessible.role: Accessible.Graphic
         Accessible.name: Texts.of("Cello")
     }

@@ -7,7 +7,7 @@ Outlet {
 
     property string image: ""
     property bool cached: true
-    property bool large: false
+    property real celloUnit: 0  // of a picture that lies on the cello: its unit in points
     property alias fillMode: picture.fillMode
     property string name  // spoken; nothing is, where it is empty
 
@@ -19,7 +19,8 @@ Outlet {
         id: picture
         anchors.fill: parent
         source: !view.visible ? ""
-            : view.large ? Theme.largePicture(view.image, Screen.devicePixelRatio)
+            : view.celloUnit > 0
+                ? Theme.onCello(view.image, view.celloUnit, Screen.devicePixelRatio)
             : Theme.picture(view.image)
         fillMode: Image.PreserveAspectFit
         cache: view.cached

@@ -41,9 +41,14 @@ QtObject {
     function picture(name: string): string {
         return name === "" ? "" : "qrc:/endpin/pictures/" + name.replace(".png", "@2x.png")
     }
-    // Of a large one no more is loaded than the screen can show; `density` is its pixels to a point
-    // of the window.
-    function largePicture(name: string, density: real): string {
-        return name === "" || density * zoom > 1 ? picture(name) : "qrc:/endpin/pictures/" + name
+    // How high the cello is in the pictures for each kind of device, 1100 of its units, in points.
+    readonly property var celloHeights: ({ "": 363, "5": 451, "6": 517, "6plus": 693, "iPad": 759,
+                                           "iPad_Pro": 1023 })
+    // Of the cello and of what glows on it no more is loaded than the screen can show, and no less;
+    // `unit` is that of the drawing in points, `density` the screen's pixels to a point.
+    function onCello(name: string, unit: real, density: real): string {
+        const kind = name.slice(0, -4).split("_").slice(1).filter(part => part !== "string").join("_")
+        const enlarged = 1100 * unit * zoom * density / celloHeights[kind]
+        return name === "" || enlarged > 1 ? picture(name) : "qrc:/endpin/pictures/" + name
     }
 }

@@ -16,7 +16,7 @@ Item {
         width: 120 * marks.metrics.unit
         height: 768 * marks.metrics.unit
         fillMode: Image.Stretch  // exactly, whatever its pixels
-        large: true
+        celloUnit: marks.metrics.unit
     }
     Repeater {
         // The peg heads in the cello's units.
