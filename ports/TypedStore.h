@@ -5,13 +5,17 @@
 
 #include <fmt/format.h>
 
+#include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
+#include <type_traits>
 #include <variant>
 
 #include "ports/SettingsStore.h"
@@ -29,6 +33,25 @@ inline std::string_view withoutLeadingSpace(std::string_view text) {
   return text;
 }
 
+// Like std::from_chars, for `text` without leading space.
+template <class Number>
+std::errc parseNumber(std::string_view text, Number& number) {
+#ifndef __cpp_lib_to_chars
+  // Some libraries can read whole numbers only. The C library reads the others in the same way in
+  // the locale that such a program never leaves, but skips more and knows hexadecimal ones, too.
+  if constexpr (std::is_floating_point_v<Number>) {
+    const std::string decimal(text.substr(0, text.find_first_of("xX")));
+    if (decimal.find_first_of("+ \t\r\n\v\f") == 0) return std::errc::invalid_argument;
+    errno = 0;
+    number = static_cast<Number>(std::strtod(decimal.c_str(), nullptr));
+    return errno == ERANGE ? std::errc::result_out_of_range : std::errc{};
+  } else
+#endif
+  {
+    return std::from_chars(text.data(), text.data() + text.size(), number).ec;
+  }
+}
+
 }  // namespace setting_detail
 
 // The number that `text` begins with; the nearest one that fits; 0 when there is none.
@@ -36,8 +59,7 @@ template <class Number>
 Number leadingNumber(std::string_view text) {
   text = setting_detail::withoutLeadingSpace(text);
   Number number = 0;
-  const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (result.ec != std::errc::result_out_of_range) return number;
+  if (setting_detail::parseNumber(text, number) != std::errc::result_out_of_range) return number;
   using Limits = std::numeric_limits<Number>;
   return text.starts_with('-') ? Limits::lowest() : Limits::max();
 }

@@ -2,6 +2,8 @@
 
 #include <soxr.h>
 
+#include <cstdio>
+#include <cstdlib>
 #include <stdexcept>
 #include <string>
 
@@ -13,8 +15,18 @@ namespace {
 constexpr std::size_t kStep = 1024;   // output samples asked for at a time
 constexpr unsigned kLog2DftSize = 8;  // small transforms: 45 ms of delay instead of 156
 
+// Where nobody can catch it, as in a page, the program ends.
+[[noreturn]] void fail(const char* why) {
+#ifdef __cpp_exceptions
+  throw std::runtime_error(std::string("cannot resample: ") + why);
+#else
+  std::fputs(why, stderr);
+  std::abort();
+#endif
+}
+
 void check(soxr_error_t error) {
-  if (error) throw std::runtime_error(std::string("cannot resample: ") + error);
+  if (error) fail(error);
 }
 
 }  // namespace
@@ -34,7 +46,7 @@ CaptureResampler::CaptureResampler(double inputRate) {
   soxr_error_t error = nullptr;
   resampler_.reset(soxr_create(inputRate, kCaptureRate, 1, &error, &format, &quality, &runtime));
   check(error);
-  if (!resampler_) throw std::runtime_error("cannot resample: out of memory");
+  if (!resampler_) fail("out of memory");
 }
 
 void CaptureResampler::process(std::span<const std::int16_t> input,

@@ -17,7 +17,8 @@ namespace endpin {
 
 class CaptureResampler {
  public:
-  // `inputRate` in hertz, above 0. Throws std::runtime_error when the library refuses it.
+  // `inputRate` in hertz, above 0. Throws std::runtime_error when the library refuses it; a
+  // program without exceptions ends.
   explicit CaptureResampler(double inputRate);
 
   // Takes all of `input` and appends what comes out to `output`.
