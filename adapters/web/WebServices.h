@@ -1,0 +1,44 @@
+// The small duties of a page: log, beep, device. Thread: main.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "adapters/offline/FixedDevice.h"
+#include "adapters/web/Host.h"
+#include "ports/AudioPlayer.h"
+#include "ports/Log.h"
+
+namespace endpin {
+
+class WebLog : public Log {
+ public:
+  void line(std::string_view text) override { host::log(text.data(), text.size()); }
+};
+
+// The page has the sounds: every path gives a player.
+class WebPlayers : public AudioPlayers {
+ public:
+  std::unique_ptr<AudioPlayer> playerWithContentsOf(const std::string& path) override {
+    return std::make_unique<Player>(path);
+  }
+
+ private:
+  class Player : public AudioPlayer {
+   public:
+    explicit Player(std::string path) : path_(std::move(path)) {}
+    void play() override { host::playSound(path_.data(), path_.size()); }
+
+   private:
+    const std::string path_;
+  };
+};
+
+class WebDevice : public FixedDevice {
+ public:
+  using FixedDevice::FixedDevice;
+  void setIdleTimerDisabled(bool disabled) override { host::keepAwake(disabled); }
+};
+
+}  // namespace endpin
