@@ -5,7 +5,7 @@ cd "$(dirname "$0")/.."
 failed=0
 complain() { echo "$1: $2"; failed=1; }
 
-for document in README.md CONTRIBUTING.md ports/README.md $(git ls-files 'docs/*.md' 'packaging/*.md'); do
+for document in README.md CONTRIBUTING.md ports/README.md $(git ls-files 'docs/*.md' 'packaging/*.md' web/README.md); do
   folder=$(dirname "$document")
   # Paths: words with a slash in backticks, and the targets of links; build/ is made, not kept.
   while read -r path; do
