@@ -39,6 +39,8 @@ for seconds in 0 soon 1000000 '1 1'; do
   check 2 'fuzz takes' fuzz $seconds
 done
 check 2 "not '--arm'" package --test --arm
+check 2 "not '--fly'" web --fly
+check 0 '' web --build
 
 # The programs of the demonstration differ in one file, which a test of the screen puts in.
 cmake --preset demo -B "$work/demo" >/dev/null

@@ -75,9 +75,10 @@ void appendCello(std::vector<Block>& blocks) {
     return;
   }
   for (const CelloString& string : kCelloStrings) {
-    append(blocks,
-           resampled(sampledCello({.midiNote = string.midiNote, .frequency = string.frequency}),
-                     kCaptureRate));
+    append(blocks, resampled(sampledCello({.midiNote = string.midiNote,
+                                           .frequency = string.frequency,
+                                           .seconds = 2.5}),
+                             kCaptureRate));
   }
 }
 
