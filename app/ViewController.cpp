@@ -10,7 +10,6 @@
 #include "audio/LumoListener.h"
 #include "calibration/StringFrequencies.h"
 #include "rating/RatingPrompt.h"
-#include "tuner/VolumeWarning.h"
 
 namespace endpin {
 namespace {
@@ -107,7 +106,7 @@ void ViewController::micSensitivity(Slider& sender) {
 }
 
 void ViewController::checkVolume() {
-  showVolumeWarning(platform_.audioSession.outputVolume(), *this);
+  showVolumeWarning(platform_.audioSession.outputVolume());
 }
 
 void ViewController::choosePreset(std::int64_t a4InHz) {

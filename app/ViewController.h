@@ -9,8 +9,8 @@
 #include <cstdint>
 #include <functional>
 
-#include "app/AppOutlets.h"
 #include "app/HearingDisplay.h"
+#include "app/Localisation.h"
 #include "calibration/Calibration.h"
 #include "calibration/CalibrationOutlets.h"
 #include "calibration/TuningFork.h"

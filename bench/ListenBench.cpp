@@ -2,7 +2,7 @@
 // at every tick, on the virtual clock.
 #include <benchmark/benchmark.h>
 
-#include "adapters/log/NullLog.h"
+#include "adapters/log/Logs.h"
 #include "adapters/offline/CapturedSound.h"
 #include "adapters/offline/FileMicrophone.h"
 #include "adapters/offline/MemoryStore.h"

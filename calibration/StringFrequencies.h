@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace endpin {
@@ -15,6 +16,12 @@ inline constexpr std::array<double, 4> kStringRatios = {0.5000000000016722, 0.33
                                                         0.22272467953669875, 0.14865088937670728};
 
 // Frequencies in hertz for an A4 of `a4InHz` hertz.
-[[nodiscard]] std::array<double, 4> stringFrequencies(std::int64_t a4InHz);
+[[nodiscard]] inline std::array<double, 4> stringFrequencies(std::int64_t a4InHz) {
+  std::array<double, 4> frequencies{};
+  for (std::size_t i = 0; i < frequencies.size(); ++i) {
+    frequencies[i] = static_cast<double>(a4InHz) * kStringRatios[i];
+  }
+  return frequencies;
+}
 
 }  // namespace endpin

@@ -1,4 +1,5 @@
-#include "cli/Commands.h"
+#include "cli/CommandLine.h"
+#include "cli/Printing.h"
 
 #include <fmt/format.h>
 

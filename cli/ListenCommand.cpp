@@ -9,14 +9,14 @@
 #include "adapters/cubeb/CubebMicrophone.h"
 #include "adapters/cubeb/CubebPlayers.h"
 #include "adapters/cubeb/InputDevices.h"
-#include "adapters/log/NullLog.h"
-#include "adapters/log/StreamLog.h"
+#include "adapters/log/Logs.h"
 #include "adapters/offline/FileMicrophone.h"
 #include "adapters/offline/MemoryStore.h"
 #include "adapters/posix/MainRunLoop.h"
 #include "adapters/posix/StopSignal.h"
 #include "adapters/sqlite/SqliteStore.h"
-#include "cli/Commands.h"
+#include "cli/CommandLine.h"
+#include "cli/Printing.h"
 
 namespace endpin {
 namespace {

@@ -7,7 +7,6 @@
 #include "adapters/bundle/FileBundle.h"
 #include "adapters/offline/CountingPlayers.h"
 #include "adapters/offline/FixedDevice.h"
-#include "adapters/offline/OfflineSession.h"
 #include "adapters/offline/SilentOutput.h"
 #include "app/Application.h"
 

@@ -1,4 +1,4 @@
-#include "cli/Commands.h"
+#include "cli/CommandLine.h"
 
 #include <algorithm>
 #include <array>

@@ -6,7 +6,8 @@
 #include <variant>
 
 #include "adapters/cli11/ProgramError.h"
-#include "cli/Commands.h"
+#include "cli/CommandLine.h"
+#include "cli/Printing.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include "adapters/cubeb/CubebMicrophone.h"
 #include "adapters/cubeb/CubebOutput.h"
 #include "adapters/cubeb/CubebPlayers.h"
-#include "adapters/pulse/DesktopAudioSession.h"
+#include "adapters/pulse/SoundServer.h"
 #include "desktop/FileInput.h"
 #include "desktop/Options.h"
 #include "ports/Log.h"

@@ -3,8 +3,7 @@
 
 #include "adapters/bundle/FileBundle.h"
 #include "adapters/cli11/ProgramError.h"
-#include "adapters/log/NullLog.h"
-#include "adapters/log/StreamLog.h"
+#include "adapters/log/Logs.h"
 #include "adapters/offline/MemoryStore.h"
 #include "adapters/posix/SystemNetwork.h"
 #include "adapters/qt/QtDevice.h"

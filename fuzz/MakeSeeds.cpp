@@ -9,7 +9,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "adapters/log/NullLog.h"
+#include "adapters/log/Logs.h"
 #include "adapters/sqlite/SqliteStore.h"
 #include "tests/support/Tone.h"
 

@@ -6,6 +6,10 @@
 
 namespace endpin {
 
+inline constexpr float kLowVolume = 0.5F;  // of what the user hears, 0 to 1
+inline constexpr ViewAnimation kVolumeBlink = {
+    .duration = 0.25, .delay = 0, .repeat = true, .autoreverse = true, .targetAlpha = 0.0};
+
 struct TunerOutlets {
   Label freq_label;   // measured or snapped frequency
   Label noteDisplay;  // name of the string that was in tune last
@@ -42,6 +46,17 @@ struct TunerOutlets {
     tunedString.setHidden(hidden);
     tunedString5.setHidden(hidden);
     tunedStringiPad.setHidden(hidden);
+  }
+  // Warns, blinking, while the volume is low: the player would not hear the beep or the tuning
+  // fork. The blinking is started again at every check; only the text starts from full strength.
+  void showVolumeWarning(float outputVolume) {
+    const bool low = outputVolume < kLowVolume;
+    turnUpTheVolumeLabel.setHidden(!low);
+    turnUpTheVolumeTriangleLabel.setHidden(!low);
+    if (!low) return;
+    turnUpTheVolumeLabel.setAlpha(1.0);
+    turnUpTheVolumeLabel.animate(kVolumeBlink);
+    turnUpTheVolumeTriangleLabel.animate(kVolumeBlink);
   }
 };
 

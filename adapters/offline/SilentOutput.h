@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "ports/AudioOutput.h"
+#include "ports/AudioSession.h"
 
 namespace endpin {
 
@@ -22,6 +23,17 @@ class SilentOutput : public AudioOutput {
     AudioStatus start() override { return 0; }
     AudioStatus stop() override { return 0; }
   };
+};
+
+// An audio session that grants everything and plays at full volume. Thread: any.
+class OfflineSession : public AudioSession {
+ public:
+  Error setCategory(AudioSessionCategory /*category*/, std::uint32_t /*options*/) override {
+    return std::nullopt;
+  }
+  Error setMode(AudioSessionMode /*mode*/) override { return std::nullopt; }
+  Error setActive(bool /*active*/) override { return std::nullopt; }
+  [[nodiscard]] float outputVolume() const override { return 1.0F; }
 };
 
 }  // namespace endpin

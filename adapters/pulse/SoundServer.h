@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "ports/AudioSession.h"
+
 struct pa_context;
 struct pa_mainloop_api;
 struct pa_server_info;
@@ -81,6 +83,22 @@ class SoundServer {
   pa_time_event* connectTime_ = nullptr;
   std::string defaultSource_;
   Sources listing_;  // while the server tells one source after the other
+};
+
+// The audio session of a desktop: there is nothing to configure, every program may play and record,
+// and only the output volume is worth asking for. Thread: main, but for outputVolume (any).
+class DesktopAudioSession final : public AudioSession {
+ public:
+  // `server` outlives the session.
+  explicit DesktopAudioSession(const SoundServer& server) : server_(server) {}
+
+  Error setCategory(AudioSessionCategory, std::uint32_t) override { return {}; }
+  Error setMode(AudioSessionMode) override { return {}; }
+  Error setActive(bool) override { return {}; }
+  [[nodiscard]] float outputVolume() const override { return server_.outputVolume(); }
+
+ private:
+  const SoundServer& server_;
 };
 
 }  // namespace endpin

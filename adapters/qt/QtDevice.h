@@ -2,6 +2,8 @@
 // Thread: main, but for systemVersion (any).
 #pragma once
 
+#include <QSysInfo>
+
 #include "adapters/qt/IdleInhibitor.h"
 #include "app/DeviceChoice.h"
 #include "ports/Device.h"
@@ -18,7 +20,9 @@ class QtDevice final : public Device {
     return static_cast<int>(model_.idiom);
   }
   [[nodiscard]] double screenHeight() const override { return model_.height; }
-  [[nodiscard]] std::string systemVersion() const override;
+  [[nodiscard]] std::string systemVersion() const override {
+    return QSysInfo::productVersion().toStdString();
+  }
   void setIdleTimerDisabled(bool disabled) override { idleInhibitor_.setInhibited(disabled); }
 
   [[nodiscard]] const DeviceModel& model() const { return model_; }

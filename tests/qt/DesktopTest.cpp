@@ -8,7 +8,7 @@
 #include <fstream>
 #include <thread>
 
-#include "adapters/log/NullLog.h"
+#include "adapters/log/Logs.h"
 #include "adapters/sqlite/SqliteStore.h"
 #include "desktop/GuiStart.h"
 #include "rating/UsageTracker.h"

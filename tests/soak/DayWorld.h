@@ -11,11 +11,11 @@
 #include <vector>
 
 #include "adapters/bundle/FileBundle.h"
-#include "adapters/log/NullLog.h"
+#include "adapters/log/Logs.h"
 #include "adapters/offline/CountingPlayers.h"
 #include "adapters/offline/FixedDevice.h"
 #include "adapters/offline/MemoryStore.h"
-#include "adapters/offline/OfflineSession.h"
+#include "adapters/offline/SilentOutput.h"
 #include "adapters/offline/VirtualRunLoop.h"
 #include "app/Application.h"
 #include "audio/CaptureFormat.h"

@@ -27,4 +27,10 @@ class StreamLog : public Log {
   std::FILE* stream_;
 };
 
+// A log that nobody reads.
+class NullLog : public Log {
+ public:
+  void line(std::string_view /*text*/) override {}
+};
+
 }  // namespace endpin
