@@ -30,6 +30,11 @@ class TuningFork {
 
   void stopFreqPlay();
 
+  // Whether a tone plays on a device that is there.
+  [[nodiscard]] bool isSounding() const {
+    return curPlayState == Playing && !toneUnits_.empty() && toneUnits_.back()->isRunning();
+  }
+
   ToneSynthesizer& synthesizer() { return synthesizer_; }
 
   // Playing or Stopped; the way to stop is open while it plays.

@@ -72,8 +72,9 @@ ToneOptions toneOptions(const ToneArguments& texts) {
   ToneOptions options;
   options.string = parseString(texts.string);
   options.waveform = parseWaveform(texts.waveform);
-  options.frames = parseFrames(texts.seconds);
   options.output = texts.output;
+  if (!texts.seconds.empty()) options.frames = parseFrames(texts.seconds);
+  if (!options.output.empty() && options.frames == 0) rejectArguments("--output needs --seconds");
   return options;
 }
 
@@ -123,14 +124,17 @@ CLI::App* addFrequencies(CLI::App& app, Arguments& into) {
 }
 
 CLI::App* addTone(CLI::App& app, Arguments& into) {
-  CLI::App* tone = app.add_subcommand("tone", "Write the reference tone of a string to a file");
+  CLI::App* tone =
+      app.add_subcommand("tone", "Play the reference tone of a string, or write it to a file");
   ToneArguments& texts = into.tone;
   tone->add_option("--string", texts.string, "A3, D3, G2 or C2")->required();
   tone->add_option("--a4", into.a4, "Calibration in whole hertz (440)");
   tone->add_option("--waveform", texts.waveform, "sine, triangle, sawtooth or square (square)");
-  tone->add_option("--seconds", texts.seconds, "Length; fractions are allowed")->required();
-  tone->add_option("--output", texts.output, "Sound file to write (wav, 44100 Hz, stereo)")
-      ->required();
+  tone->add_option("--seconds", texts.seconds,
+                   "Length; fractions are allowed. Without it the "
+                   "speaker plays until Ctrl-C");
+  tone->add_option("--output", texts.output,
+                   "Sound file to write (wav, 44100 Hz, stereo) instead of playing");
   return tone;
 }
 

@@ -31,13 +31,13 @@ struct FrequenciesOptions {
   bool json = false;
 };
 
-// The reference tone of a string, as a sound file.
+// The reference tone of a string, through the speaker or as a sound file.
 struct ToneOptions {
   std::size_t string = 0;  // 0 to 3, from the highest
   std::int64_t a4 = 440;   // hertz
   ToneSynthesizer::Waveform waveform = ToneSynthesizer::Square;
-  std::uint64_t frames = 0;  // length, of 44100 a second
-  std::string output;        // file to write
+  std::uint64_t frames = 0;  // length, of 44100 a second; 0: until the stop signal
+  std::string output;        // file to write; empty: the speaker
 };
 
 using Command = std::variant<ListenOptions, FrequenciesOptions, ToneOptions, PrintText>;
@@ -61,8 +61,9 @@ int runListen(const ListenOptions& options, Output& output);
 // lie inside. A string without a bin can never light the lamp at that calibration.
 int runFrequencies(const FrequenciesOptions& options, Output& output);
 
-// `tone`: a reference tone as a sound file, sample by sample what the tuning fork plays. A file
-// that cannot be finished is not left behind.
+// `tone`: a reference tone through the speaker, until its length or the stop signal; or as a sound
+// file, sample by sample what the tuning fork plays. A file that cannot be finished is not left
+// behind.
 int runTone(const ToneOptions& options);
 
 }  // namespace endpin

@@ -14,6 +14,7 @@
 #include "adapters/offline/MemoryStore.h"
 #include "adapters/posix/MainRunLoop.h"
 #include "adapters/posix/StopSignal.h"
+#include "adapters/pulse/DesktopMicrophones.h"
 #include "adapters/sqlite/SqliteStore.h"
 #include "cli/CommandLine.h"
 #include "cli/Printing.h"
@@ -80,7 +81,7 @@ class LiveView {
   void tick() {
     const MicrophoneStatus status = microphone_.status();
     if (!wasOpen_ && !waitForOpening(status)) return;
-    follow(status);
+    followTrouble(status);
     printer_->print(reportTick(++ticks_, session_));
   }
 
@@ -92,7 +93,7 @@ class LiveView {
   // Whether the microphone is open now; throws when it will not be.
   bool waitForOpening(const MicrophoneStatus& status) {
     if (status.state == State::Missing) throw NoMicrophone(status.text);
-    wasOpen_ = isOpen_ = status.state == State::Open;
+    wasOpen_ = status.state == State::Open;
     if (wasOpen_) printer_->begin(status.text, session_.controller().calibration().a4InHz());
     if (!wasOpen_ && Clock::now() > begin_ + kOpeningLimit) {
       throw NoMicrophone("the sound server does not answer");
@@ -100,17 +101,16 @@ class LiveView {
     return wasOpen_;
   }
 
-  // Says once when the microphone goes, and once when it comes back. A server that stands still
-  // shows in its silence before it shows in the status.
-  void follow(const MicrophoneStatus& status) {
-    const bool open = status.state == State::Open;
-    if (open == isOpen_) return;
-    isOpen_ = open;
+  // Says once why nothing can be heard, in the words of the screen, and once that it is over.
+  void followTrouble(const MicrophoneStatus& status) {
+    const ViewController& screen = session_.controller();
+    if (screen.troubleTitle.text() == trouble_) return;
+    trouble_ = screen.troubleTitle.text();
     printer_->makeRoom();
-    if (open) {
-      fmt::print(stderr, "endpin-cli: the microphone is back: {}\n", status.text);
+    if (trouble_.empty()) {
+      fmt::print(stderr, "endpin-cli: listening again: {}\n", status.text);
     } else {
-      fmt::print(stderr, "endpin-cli: the microphone is gone; waiting for it\n");
+      fmt::print(stderr, "endpin-cli: {}: {}\n", trouble_, screen.troubleRemedy.text());
     }
   }
 
@@ -120,18 +120,21 @@ class LiveView {
   const Clock::time_point begin_ = Clock::now();
   std::uint64_t ticks_ = 0;
   bool wasOpen_ = false;
-  bool isOpen_ = false;
+  std::string trouble_;  // as told last
 };
 
 // Throws NoMicrophone when there is none at the start, ProgramError when the output fails.
 void listenToMicrophone(const ListenContext& context) {
   MainRunLoop runLoop;
+  const SoundServer server;
   CubebMicrophone microphone(context.options.inputDevice, context.log);
+  DesktopMicrophones microphones(server, microphone, context.options.inputDevice);
   CubebPlayers speaker;
   Session session({.microphone = microphone,
                    .runLoop = runLoop,
                    .settings = context.settings,
                    .log = context.log,
+                   .microphones = &microphones,
                    .fine = context.options.fine,
                    .players = &speaker});
   LiveView view(context, microphone, session);

@@ -17,7 +17,8 @@ Session::Session(const Parts& parts)
                 .settings = parts.settings,
                 .device = device_,
                 .bundle = bundle_,
-                .log = parts.log},
+                .log = parts.log,
+                .microphones = parts.microphones},
       application_(platform_),
       fine_(parts.fine) {}
 

@@ -19,8 +19,9 @@ class Session {
     RunLoop& runLoop;
     SettingsStore& settings;
     Log& log;
-    bool fine = false;                // fine hearing, whatever the settings say
-    AudioPlayers* players = nullptr;  // what the beep sounds through; none: it does not
+    Microphones* microphones = nullptr;  // none: nothing is known of them
+    bool fine = false;                   // fine hearing, whatever the settings say
+    AudioPlayers* players = nullptr;     // what the beep sounds through; none: it does not
   };
 
   // What `parts` refers to outlives the session.

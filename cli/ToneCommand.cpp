@@ -2,11 +2,15 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <thread>
 
 #include "adapters/cli11/ProgramError.h"
+#include "adapters/cubeb/CubebOutput.h"
 #include "adapters/posix/StopSignal.h"
 #include "adapters/sndfile/WavWriter.h"
 #include "calibration/StringFrequencies.h"
+#include "calibration/TuningFork.h"
 
 namespace endpin {
 namespace {
@@ -53,12 +57,41 @@ void writeTone(const ToneOptions& options, const StopSignal& stop) {
   file.finish();
 }
 
+// Throws ProgramError when no speaker asks for the tone.
+void playTone(const ToneOptions& options, const StopSignal& stop) {
+  using Clock = std::chrono::steady_clock;
+  constexpr auto kOpeningLimit = std::chrono::seconds(3);
+  constexpr auto kFading = std::chrono::milliseconds(150);
+  CubebOutput output;
+  CalibrationOutlets nowhere;
+  TuningFork fork(nowhere, output);
+  fork.setupAudio();
+  fork.synthesizer().curTone = options.waveform;
+  fork.play(static_cast<int>(options.string) + 1, stringFrequencies(options.a4)[options.string],
+            true);
+  const auto limit = Clock::now() + kOpeningLimit;
+  while (!fork.isSounding() && !stop.waitUntil(Clock::now() + std::chrono::milliseconds(20))) {
+    if (Clock::now() > limit) throw ProgramError(kExitFailure, "no speaker can be opened");
+  }
+  const std::chrono::duration<double> length(static_cast<double>(options.frames) /
+                                             ToneSynthesizer::kSampleRate);
+  const bool endless = options.frames == 0;
+  stop.waitUntil(endless ? Clock::time_point::max()
+                         : Clock::now() + std::chrono::duration_cast<Clock::duration>(length));
+  fork.stopFreqPlay();
+  std::this_thread::sleep_for(kFading);
+}
+
 }  // namespace
 
 int runTone(const ToneOptions& options) {
   const StopSignal stop;
   try {
-    writeTone(options, stop);
+    if (options.output.empty()) {
+      playTone(options, stop);
+    } else {
+      writeTone(options, stop);
+    }
   } catch (const WavWriterError& error) {
     throw ProgramError(kExitFailure, error.what());
   }

@@ -1,21 +1,27 @@
 // endpin: the tuner with its screen.
 #include <cstdio>
+#include <memory>
+#include <optional>
 
 #include "adapters/bundle/FileBundle.h"
 #include "adapters/cli11/ProgramError.h"
+#include "adapters/cubeb/CubebMicrophone.h"
+#include "adapters/cubeb/CubebOutput.h"
+#include "adapters/cubeb/CubebPlayers.h"
 #include "adapters/log/Logs.h"
 #include "adapters/offline/MemoryStore.h"
 #include "adapters/posix/SystemNetwork.h"
+#include "adapters/pulse/DesktopMicrophones.h"
 #include "adapters/qt/QtDevice.h"
 #include "adapters/qt/QtRunLoop.h"
 #include "adapters/qt/QuitSignals.h"
 #include "adapters/sqlite/SqliteStore.h"
 #include "app/Application.h"
 #include "desktop/AppLifecycle.h"
+#include "desktop/FileInput.h"
 #include "desktop/GuiStart.h"
 #include "desktop/Language.h"
 #include "desktop/Options.h"
-#include "desktop/Sound.h"
 #include "ports/Platform.h"
 
 namespace endpin {
@@ -34,24 +40,32 @@ int run(const Options& options, char** arguments) {
   const std::string resources = applicationResourcePath();
   const std::string language = chooseLanguage(options.language, resources);
   FileBundle bundle({resources, language, ENDPIN_VERSION}, log);
-  Sound sound(options, log);
+  std::optional<FileInput> file;
+  if (!options.input.empty()) file.emplace(options.input);
+  CubebMicrophone microphone(options.inputDevice, log);
+  const SoundServer soundServer;
+  DesktopMicrophones microphones(soundServer, microphone, options.inputDevice);
+  DesktopAudioSession session(soundServer);
+  CubebPlayers players;
+  CubebOutput output;
 
   speak(bundle.language());
   const Gui gui(arguments, options, log);
   const QuitSignals quitSignals;
   QtRunLoop runLoop;
-  sound.follow(runLoop);
+  if (file) file->follow(runLoop);
   const auto settings = openSettings(options, problems);
   QtDevice device(chooseDevice(options), log);
-  Platform platform{.audioInput = sound.input(),
-                    .audioSession = sound.session(),
-                    .audioPlayers = sound.players(),
-                    .audioOutput = sound.output(),
+  Platform platform{.audioInput = file ? static_cast<AudioInput&>(*file) : microphone,
+                    .audioSession = session,
+                    .audioPlayers = players,
+                    .audioOutput = output,
                     .runLoop = runLoop,
                     .settings = *settings,
                     .device = device,
                     .bundle = bundle,
-                    .log = log};
+                    .log = log,
+                    .microphones = file ? nullptr : &microphones};
 
   Application application(platform);
   LayoutWindow window(setUpWindow(options, device.model(), bundle, *settings),

@@ -18,8 +18,9 @@ void check(const ListenOptions& options) {
 }
 void check(const ToneOptions& options) {
   require(options.a4 >= 1 && options.a4 <= 9999, "A4 is a pitch");
-  require(options.string < 4 && !options.output.empty(), "a tone is of a string, into a file");
-  require(options.frames >= 1 && options.frames <= 3600U * 44100U, "a tone has a length");
+  require(options.string < 4, "a tone is of a string");
+  require(options.frames >= 1 || options.output.empty(), "a file has a length");
+  require(options.frames <= 3600U * 44100U, "a length has an end");
 }
 
 }  // namespace

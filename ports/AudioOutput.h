@@ -35,6 +35,10 @@ class AudioOutputUnit {
   // Thread: main.
   virtual AudioStatus start() = 0;
   virtual AudioStatus stop() = 0;
+
+  // Whether a device has asked for samples since the unit was made, and it is started.
+  // Thread: main.
+  [[nodiscard]] virtual bool isRunning() const { return true; }
 };
 
 class AudioOutput {

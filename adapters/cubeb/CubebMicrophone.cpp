@@ -34,13 +34,18 @@ class CubebMicrophone::Device : public SupervisedStream {
 
   Outcome open() override {
     std::string reason;
-    stream_ = CaptureStream::open(wanted_, heard, *this, reason);
+    opened_ = wanted();
+    stream_ = CaptureStream::open(opened_, heard, *this, reason);
     if (stream_) return publishOpen();
     publish({State::Missing, reason}, nullptr);
     return Outcome::Missing;
   }
 
   Outcome check() override {
+    if (opened_ != wanted()) {
+      letGo({State::Opening, ""});
+      return Outcome::Missing;
+    }
     if (stream_->isAlive()) return publishOpen();
     letGo({State::Missing, "the microphone is gone"});
     return Outcome::Missing;
@@ -49,6 +54,14 @@ class CubebMicrophone::Device : public SupervisedStream {
   void close() override { letGo({State::Closed, ""}); }
 
   // Thread: any, from here on.
+  void use(const std::string& device) {
+    {
+      const std::lock_guard lock(mutex_);
+      if (std::exchange(wanted_, device) == device) return;
+      if (status_.state == State::Missing) status_ = {State::Opening, ""};
+    }
+    checkSoon();
+  }
   void noteOpening() {
     const std::lock_guard lock(mutex_);
     if (status_.state == State::Closed) status_.state = State::Opening;
@@ -97,10 +110,16 @@ class CubebMicrophone::Device : public SupervisedStream {
     heard.signal();
   }
 
-  const std::string wanted_;
+  std::string wanted() const {
+    const std::lock_guard lock(mutex_);
+    return wanted_;
+  }
+
+  std::string opened_;  // what the stream was opened as
   std::unique_ptr<CaptureStream> stream_;
 
   mutable std::mutex mutex_;  // guards the rest
+  std::string wanted_;
   MicrophoneStatus status_;
   std::shared_ptr<StreamState> state_;
   std::vector<std::string> news_;
@@ -227,6 +246,11 @@ std::unique_ptr<AudioInputQueue> CubebMicrophone::newInput(const AudioStreamForm
   const auto device = std::make_shared<Device>(device_);
   newest_ = device;
   return std::make_unique<CubebInputQueue>(device, log_, callback, userData);
+}
+
+void CubebMicrophone::use(const std::string& device) {
+  device_ = device;
+  if (const auto newest = newest_.lock()) newest->use(device);
 }
 
 MicrophoneStatus CubebMicrophone::status() const {

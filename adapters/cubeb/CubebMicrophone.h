@@ -37,13 +37,16 @@ class CubebMicrophone : public AudioInput {
   std::unique_ptr<AudioInputQueue> newInput(const AudioStreamFormat& format,
                                             AudioInputCallback callback, void* userData) override;
 
+  // Uses another device from now on, as soon as it is there; does not wait for it.
+  void use(const std::string& device);
+
   // How it stands with the device of the newest queue. Does not wait.
   [[nodiscard]] MicrophoneStatus status() const;
 
   class Device;  // the one of a queue, kept open while it is wanted
 
  private:
-  const std::string device_;
+  std::string device_;
   Log& log_;
   std::weak_ptr<Device> newest_;  // of the newest queue
 };

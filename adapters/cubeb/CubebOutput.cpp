@@ -2,8 +2,10 @@
 
 #include <cubeb/cubeb.h>
 
+#include <chrono>
 #include <cmath>
 #include <optional>
+#include <thread>
 #include <utility>
 
 #include "adapters/cubeb/OutputStream.h"
@@ -38,7 +40,16 @@ class ToneStream : public SupervisedStream {
     stream_.reset();
     return Outcome::Missing;
   }
-  void close() override { stream_.reset(); }
+  // The end of the tone fades out, and what the device still holds of it is heard.
+  void close() override {
+    if (stream_ && !stream_->failed()) {
+      for (int wait = 0; wait < 40 && !gate_->isSilent(); ++wait) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+      }
+      std::this_thread::sleep_for(std::chrono::milliseconds(OutputStream::kLatency));
+    }
+    stream_.reset();
+  }
 
  private:
   const OutputStream::Format format_;
@@ -70,12 +81,15 @@ class CubebOutputUnit : public AudioOutputUnit {
   AudioStatus initialize() override {
     if (gate_ || rate_ == 0 || !callback_) return CUBEB_ERROR;
     gate_ = std::make_shared<RenderGate>(callback_, userData_);
-    supervisor_.emplace(std::make_shared<ToneStream>(rate_, gate_));
     return CUBEB_OK;
   }
 
   AudioStatus start() override {
-    if (!supervisor_) return CUBEB_ERROR;
+    if (!gate_) return CUBEB_ERROR;
+    // A unit is made at each appearance of the screen, and most never sound: a thread is for those
+    // that do.
+    if (!supervisor_) supervisor_.emplace(std::make_shared<ToneStream>(rate_, gate_));
+    if (supervisor_->wanted()) gate_->dip();
     gate_->mute(false);
     supervisor_->open();
     return CUBEB_OK;
@@ -83,10 +97,14 @@ class CubebOutputUnit : public AudioOutputUnit {
 
   // Muted as well: closing takes its time, and a callback that nobody hears shall not go on.
   AudioStatus stop() override {
-    if (!supervisor_) return CUBEB_ERROR;
+    if (!gate_) return CUBEB_ERROR;
     gate_->mute(true);
-    supervisor_->close();
+    if (supervisor_) supervisor_->close();
     return CUBEB_OK;
+  }
+
+  [[nodiscard]] bool isRunning() const override {
+    return supervisor_ && supervisor_->wanted() && gate_->wasAsked();
   }
 
  private:

@@ -21,7 +21,9 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
 constexpr auto kLatestBegin = 500ms;  // after play
-constexpr auto kDrainLimit = 2s;      // for the device to play what it was given
+// A player is replaced at each appearance of the screen, which must not stand still for long.
+constexpr auto kPatience = 50ms;
+constexpr auto kDrainLimit = 2s;  // for the device to play what it was given
 
 struct Samples {
   std::uint32_t rate = 0;  // hertz
@@ -86,7 +88,8 @@ class SoundStream final : public SupervisedStream, private OutputSource {
 class CubebPlayer : public AudioPlayer {
  public:
   explicit CubebPlayer(Samples samples)
-      : stream_(std::make_shared<SoundStream>(std::move(samples))), supervisor_(stream_) {}
+      : stream_(std::make_shared<SoundStream>(std::move(samples))),
+        supervisor_(stream_, kPatience) {}
 
   void play() override {
     if (supervisor_.wanted()) return;

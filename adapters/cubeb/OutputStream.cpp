@@ -5,14 +5,6 @@
 #include <algorithm>
 
 namespace endpin {
-namespace {
-
-// Milliseconds, unless the device needs more. Half of it crackles on a busy machine; more is heard
-// as a delay when the pitch changes.
-constexpr std::uint32_t kLatency = 80;
-
-}  // namespace
-
 struct OutputStream::Callbacks {
   // Thread: audio. Realtime-safe: yes.
   static long takeFrames(cubeb_stream* /*stream*/, void* user, const void* /*input*/, void* output,

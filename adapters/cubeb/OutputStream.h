@@ -34,6 +34,10 @@ class OutputStream {
     std::uint32_t channels;  // 1 or 2
   };
 
+  // Milliseconds, unless the device needs more. Half of it crackles on a busy machine; more is
+  // heard as a delay when the pitch changes.
+  static constexpr std::uint32_t kLatency = 80;
+
   // Opens a stream that sounds at once and wakes its owner's supervisor when it ended or failed.
   // Null when there is no sound system or it has no output.
   static std::unique_ptr<OutputStream> open(const Format& format, OutputSource& source,

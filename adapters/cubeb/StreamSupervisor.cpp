@@ -11,7 +11,6 @@ using Outcome = SupervisedStream::Outcome;
 
 constexpr auto kCheckInterval = 1s;  // for what the sound system changes without a word
 constexpr auto kRetryInterval = 500ms;
-constexpr auto kPatience = 1s;  // with the library, at the end
 
 }  // namespace
 
@@ -44,8 +43,9 @@ void StreamSupervisor::Control::retryLater() const {
   while (!idle() && Clock::now() < time) stream->wakeUp_.waitUntil(time);
 }
 
-StreamSupervisor::StreamSupervisor(std::shared_ptr<SupervisedStream> stream)
-    : control_(std::make_shared<Control>(std::move(stream))) {
+StreamSupervisor::StreamSupervisor(std::shared_ptr<SupervisedStream> stream,
+                                   std::chrono::milliseconds patience)
+    : patience_(patience), control_(std::make_shared<Control>(std::move(stream))) {
   std::packaged_task<void()> task([control = control_] { control->run(); });
   ended_ = task.get_future();
   thread_ = std::thread(std::move(task));
@@ -54,7 +54,7 @@ StreamSupervisor::StreamSupervisor(std::shared_ptr<SupervisedStream> stream)
 StreamSupervisor::~StreamSupervisor() {
   control_->quit = true;
   control_->stream->checkSoon();
-  const bool ended = ended_.wait_for(kPatience) == std::future_status::ready;
+  const bool ended = ended_.wait_for(patience_) == std::future_status::ready;
   ended ? thread_.join() : thread_.detach();
 }
 

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <future>
 #include <memory>
 #include <thread>
@@ -42,9 +43,11 @@ class SupervisedStream {
 
 class StreamSupervisor {
  public:
-  explicit StreamSupervisor(std::shared_ptr<SupervisedStream> stream);
-  // Closes the stream. Waits a second for the library at most, then leaves the control thread to
-  // itself with all that it needs.
+  // `patience` is how long the destructor waits for the library at most.
+  explicit StreamSupervisor(std::shared_ptr<SupervisedStream> stream,
+                            std::chrono::milliseconds patience = std::chrono::seconds(1));
+  // Closes the stream. When patience ends, it leaves the control thread to itself with all that it
+  // needs.
   ~StreamSupervisor();
   StreamSupervisor(const StreamSupervisor&) = delete;
   StreamSupervisor& operator=(const StreamSupervisor&) = delete;
@@ -71,6 +74,7 @@ class StreamSupervisor {
     [[nodiscard]] bool idle() const { return quit || !wanted; }
   };
 
+  const std::chrono::milliseconds patience_;
   const std::shared_ptr<Control> control_;
   std::future<void> ended_;
   std::thread thread_;

@@ -251,5 +251,46 @@ TEST(InputDevicesTest, ByIdThenByNameOrElseTheDefaultMicrophone) {
   EXPECT_EQ(chosen("out.monitor"), "out.monitor");
 }
 
+// Full scale as long as it is asked; a jump between two frames would be heard as a click.
+struct FadingTone {
+  static std::int32_t render(void*, std::uint32_t frames, std::span<AudioOutputBuffer> buffers) {
+    std::fill_n(buffers[0].mData, frames, 0x7FFF7FFFU);
+    return 0;
+  }
+  void play(std::uint32_t frames) {
+    std::vector<std::uint32_t> words(frames);
+    gate.fill(words.data(), frames);
+    for (const std::uint32_t word : words) {
+      const int sample = static_cast<std::int16_t>(word & 0xFFFFU);
+      EXPECT_EQ(word >> 16U, word & 0xFFFFU);
+      jump = std::max(jump, std::abs(sample - last));
+      lowest = std::min(lowest, sample);
+      last = sample;
+    }
+  }
+  RenderGate gate{render, nullptr};
+  int last = 0, jump = 0, lowest = 0x7FFF;
+};
+
+TEST(RenderGateTest, FadesInAndOutAndBetweenTwoTones) {
+  FadingTone tone;
+  tone.play(100);
+  EXPECT_EQ(tone.last, 0);
+  tone.gate.mute(false);
+  tone.play(441);
+  EXPECT_EQ(tone.last, 0x7FFF) << "whole within 10 ms";
+  tone.lowest = 0x7FFF;
+  tone.gate.dip();
+  tone.play(882);
+  EXPECT_EQ(tone.lowest, 0);
+  EXPECT_EQ(tone.last, 0x7FFF);
+  tone.gate.mute(true);
+  tone.play(220);
+  EXPECT_FALSE(tone.gate.isSilent()) << "not yet, after 5 ms";
+  tone.play(221);
+  EXPECT_TRUE(tone.gate.isSilent());
+  EXPECT_LE(tone.jump, 0x7FFF / 300);
+}
+
 }  // namespace
 }  // namespace endpin

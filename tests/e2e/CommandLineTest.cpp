@@ -88,7 +88,8 @@ TEST_F(CommandLine, BadInputGetsOneLineAndAFailingExitCode) {
   EXPECT_NE(run({"sing"}).errors.find("\"sing\""), std::string::npos);
   expectRefused({"listen", "--json", "--input-device", "no-such-device"}, {1});
   expectRefused({"listen", "--json"}, {1});
-  expectRefused({"tone", "--string=A3", "--seconds=0.1"}, {2});
+  expectRefused({"tone", "--string=A3", "--output=" + path("new.wav")}, {2});
+  expectRefused({"tone", "--string=A3"}, {1});
   const struct {
     const char* option;
     std::string value;

@@ -127,14 +127,24 @@ TEST_F(Live, EveryStringOfASampledCelloLightsItsOwnGreen) {
 
 TEST_F(Live, ListeningResumesWhenTheServerOrTheMicrophoneComesBack) {
   ChildProcess listener = this->listener();
+  const auto says = [&listener](const char* what) {
+    EXPECT_TRUE(soon(3s, [&] { return listener.errors().ends_with(what); })) << listener.errors();
+  };
+  ASSERT_TRUE(hears(listener, silent, 5s));
+  ASSERT_TRUE(server_.control("set-source-mute virtmic 1"));
+  says("Microphone is muted: Turn it on in the system's sound settings\n");
+  ASSERT_TRUE(server_.control("set-source-mute virtmic 0"));
+  says("listening again: Remapped Monitor of Null Output\n");
   expectHearing(listener, 1, [&] {
     server_.kill();
     EXPECT_TRUE(hears(listener, cleared, 3s)) << "a dead server still has a level";
+    says("No sound here: The system's sound service is not running\n");
   });
   ASSERT_TRUE(server_.start()) << server_.reason();
   expectHearing(listener, 0, [&] {
     ASSERT_TRUE(server_.removeMicrophone());
     EXPECT_TRUE(hears(listener, cleared, 3s)) << "a lost microphone still has a level";
+    says("Microphone not found: Plug it in, or choose another in the settings\n");
   });
   ASSERT_TRUE(server_.addMicrophone());
   expectHearing(listener, 2, [&] { server_.freeze(); });
