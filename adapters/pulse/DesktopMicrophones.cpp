@@ -50,9 +50,8 @@ HearingTrouble DesktopMicrophones::whyMissing(const SoundServer::Sources& source
 bool DesktopMicrophones::isMuted(const SoundServer::Sources& sources,
                                  const std::string& name) const {
   const auto& all = sources.microphones;
-  auto used = std::find_if(all.begin(), all.end(), [&](const auto& one) {
-    return one.name == name || one.id == name;
-  });
+  auto used = std::find_if(all.begin(), all.end(),
+                           [&](const auto& one) { return one.name == name || one.id == name; });
   if (used == all.end()) {
     used = std::find_if(all.begin(), all.end(), [](const auto& one) { return one.isDefault; });
   }

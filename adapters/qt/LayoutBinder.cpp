@@ -123,11 +123,12 @@ View* LayoutBinder::takeOverUserValue(QQuickItem& item) {
   return &view;
 }
 
+// Whatever the item shows now: one in a panel that is shut off reads as not enabled, and would stay
+// enabled for the time when the panel opens.
 void LayoutBinder::push(QQuickItem& item) {
   const BoundItem& bound = bound_.at(&item);
   for (const auto& [property, onItem] : bound.properties) {
-    const QVariant value = std::visit(ToVariant{}, property->read(*bound.view));
-    if (onItem.read(&item) != value) onItem.write(&item, value);
+    onItem.write(&item, std::visit(ToVariant{}, property->read(*bound.view)));
   }
 }
 

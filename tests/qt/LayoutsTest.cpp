@@ -34,9 +34,12 @@ class LayoutsTest : public ::testing::TestWithParam<DeviceModel> {
     if (!found) throw std::runtime_error("nothing visible is called " + wanted.toStdString());
     return *found;
   }
-  // Presses an item, by default its middle; across and down from 0 to 1.
+  // Presses an item, by default its middle; across and down from 0 to 1. A panel that scrolls shows
+  // it first.
   void click(const QString& wanted, double across = 0.5, double down = 0.5) {
     QQuickItem& target = item(wanted);
+    target.forceActiveFocus();
+    settle();
     const QPointF point = target.mapToScene({target.width() * across, target.height() * down});
     ASSERT_TRUE(QRectF({0, 0}, window.window().size()).contains(point)) << wanted.toStdString();
     QTest::mouseClick(&window.window(), Qt::LeftButton, {}, point.toPoint());

@@ -10,7 +10,7 @@ Item {
     readonly property string temperament: temperamentName.text
     readonly property real valueBaseline: metrics.by(86, 120, 146)
 
-    height: Math.max(metrics.by(127 + 10 * metrics.slack, 176, 214),
+    height: Math.max(metrics.by(124, 176, 214),
                      temperamentName.y + temperamentName.implicitHeight + 12)
 
     LabelOutlet {
@@ -50,7 +50,7 @@ Item {
     LabelOutlet {
         id: temperamentName
         objectName: "currentTemperamentName"
-        y: header.metrics.by(116, 154, 190) - baselineOffset
+        y: header.metrics.by(112, 154, 190) - baselineOffset
         room: header.width
         size: header.metrics.temperament
         color: Theme.brass

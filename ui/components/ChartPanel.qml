@@ -11,7 +11,7 @@ Sheet {
         : Math.round(metrics.sheetContent * 248 / 342)
 
     title: Texts.of("ChartTitle")
-    contentHeight: rows.y + rows.height
+    contentHeight: hint.y + hint.height
 
     FittedText {
         height: 44
@@ -38,16 +38,31 @@ Sheet {
         id: rows
         y: chart.pictureTop + chart.pictureHeight + chart.metrics.by(6, 16, 16)
         Repeater {
-            model: ["firstStringFreq", "secondStringFreq", "thirdStringFreq", "fourthStringFreq"]
+            model: [
+                { figures: "firstStringFreq", mark: "" },
+                { figures: "secondStringFreq", mark: "" },
+                { figures: "thirdStringFreq", mark: "" },
+                { figures: "fourthStringFreq", mark: "byEarMark" }
+            ]
             ChartRow {
-                required property string modelData
+                required property var modelData
                 required property int index
-                outlet: modelData
+                outlet: modelData.figures
+                markOutlet: modelData.mark
                 string: index + 1
                 size: chart.metrics.by(22, 26, 32)
+                markSize: chart.metrics.by(15, 15, 18)
                 width: chart.metrics.sheetContent
                 height: chart.metrics.by(40, 52, 60)
             }
         }
+    }
+    ByEarHint {
+        id: hint
+        y: rows.y + rows.height
+        width: parent.width
+        metrics: chart.metrics
+        open: chart.open
+        onTurnedOn: chart.takeFocus()
     }
 }

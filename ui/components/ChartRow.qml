@@ -1,12 +1,15 @@
 import QtQuick
 
-// The frequency of one string beside a piece of that string.
+// The frequency of one string beside a piece of that string, or beside the word that it is to be
+// tuned by ear.
 Item {
     id: row
 
     required property string outlet
+    required property string markOutlet
     required property int string  // 1 (A3) to 4 (C2)
     property real size: 26
+    property real markSize: 15
 
     Rectangle {
         visible: row.string > 1
@@ -15,16 +18,26 @@ Item {
         color: Theme.line
     }
     LabelOutlet {
+        id: figures
         objectName: row.outlet
         anchors.verticalCenter: parent.verticalCenter
         room: row.width - 96 - 12
         size: row.size
         font.weight: Font.Medium
+        description: mark.hidden ? "" : mark.text
     }
     Rounded {
+        visible: mark.hidden
         anchors { right: parent.right; rightMargin: 4; verticalCenter: parent.verticalCenter }
         width: 96
         height: Theme.stringWidths[row.string - 1]
         color: Theme.stringColors[row.string - 1]
+    }
+    ByEarMark {
+        id: mark
+        objectName: row.markOutlet
+        anchors { right: parent.right; verticalCenter: parent.verticalCenter }
+        reach: row.width - figures.contentWidth - 16
+        size: row.markSize
     }
 }

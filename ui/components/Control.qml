@@ -11,6 +11,9 @@ Outlet {
     property string name         // spoken
     property string description  // spoken after it
     property bool pressed: false
+    // Of sliders and steppers. It is declared beside the spoken name: a screen reader is told of a
+    // change only where the value is as old as the name.
+    property real value: 0
 
     // What the focus ring surrounds; the whole control, unless a smaller part is drawn.
     property Item ringed: control

@@ -5,6 +5,7 @@ import QtQuick
 Sheet {
     id: fork
 
+    required property bool volumeLow
     property string sounding  // the note whose button was pressed last, until it is stopped
 
     title: Texts.of("TuningForkTitle")
@@ -43,11 +44,20 @@ Sheet {
         size: fork.metrics.by(40, 52, 72)
         font.weight: Font.Medium
     }
+    VolumeSign {
+        visible: fork.volumeLow && note.text !== ""
+        x: 1.46 * note.size
+        y: note.y + note.baselineOffset - 0.644 * note.size + 8
+        width: fork.metrics.sheetContent - x
+        height: 5 * fork.metrics.caption
+        metrics: fork.metrics
+    }
     Row {
         id: tones
         // The sheet grows upwards when there is a note to show; the buttons stay where they are.
         y: note.text === "" ? fork.metrics.by(66, 80, 100) : fork.metrics.by(166, 222, 288)
         spacing: 10
+        function takeFocus() { children[0].forceActiveFocus(Qt.TabFocusReason) }
         Repeater {
             model: ["A3", "D3", "G2", "C2"]
             ToneButton {
@@ -57,7 +67,7 @@ Sheet {
                 action: "play" + modelData
                 note: modelData
                 string: index + 1
-                sounding: fork.sounding === note
+                sounding: stop.enabled && fork.sounding === note
                 width: (fork.metrics.sheetContent - 30) / 4
                 height: fork.metrics.by(120, 132, 160)
                 size: fork.metrics.by(24, 28, 34)
@@ -67,14 +77,21 @@ Sheet {
     }
     IconButton {
         id: stop
+        objectName: "stopTFButton"
         action: "stopFreqPlay"
-        name: Texts.of("StopTitle")
+        name: Texts.of(enabled ? "StopTitle" : "StopUnavailable")
         y: tones.y + tones.height + 14
         width: parent.width
         height: fork.metrics.by(48, 56, 60)
         radius: 16
-        icon: "iconStop.png"
+        fill: enabled ? Theme.control : "transparent"
+        edge: enabled ? Theme.line : Theme.edge
+        icon: enabled ? "iconStop.png" : "iconStopSilent.png"
         iconSize: 30
-        onActivated: fork.sounding = ""
+        // It is about to be unavailable: the focus would be lost with it.
+        onActivated: {
+            if (activeFocus) tones.takeFocus()
+            fork.sounding = ""
+        }
     }
 }

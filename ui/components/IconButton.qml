@@ -7,11 +7,9 @@ Button {
     property string icon
     property real iconSize: 26
 
-    Image {
+    Icon {
         anchors.centerIn: parent
-        width: button.iconSize
-        height: width
-        sourceSize: Qt.size(2 * width, 2 * height)
-        source: Theme.picture(button.icon)
+        size: button.iconSize
+        icon: button.icon
     }
 }

@@ -6,8 +6,10 @@ Outlet {
 
     property string text: ""
     property string initialText: ""  // shown as long as nobody set a text
-    property string name: shown.text     // spoken; nothing is, where it is empty
+    property string name: words     // spoken; nothing is, where it is empty
     property string description
+    property bool balanced: false  // no lonely word in the last line; takes a `room`
+    readonly property string words: text === "" ? initialText : text
 
     property alias size: shown.size
     property alias room: shown.room
@@ -15,6 +17,10 @@ Outlet {
     property alias color: shown.color
     property alias font: shown.font
     property alias leading: shown.leading
+    property alias wrapMode: shown.wrapMode
+    property alias elide: shown.elide
+    readonly property alias lineCount: shown.lineCount
+    readonly property alias contentWidth: shown.contentWidth
 
     implicitWidth: shown.width
     implicitHeight: shown.height
@@ -27,7 +33,8 @@ Outlet {
 
     FittedText {
         id: shown
-        text: label.text === "" ? label.initialText : label.text
+        text: label.balanced ? breaker.broken(label.words, room) : label.words
         Accessible.ignored: true
     }
+    LineBreaker { id: breaker; font: shown.font }
 }

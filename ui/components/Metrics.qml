@@ -38,6 +38,7 @@ QtObject {
                                            17, height < 1000 ? 22 : 28)
     readonly property real prompt: lying ? 0.42 * readout : 0.103 * width  // before the first note
     readonly property real body: by(15, 17, 20)
+    readonly property real remark: by(15, 15, 17)  // the second line of a row
     readonly property real figure: by(17, 20, 24)
     readonly property real temperament: by(15, 19, 24)
 
@@ -101,6 +102,12 @@ QtObject {
     readonly property real warningTextX: margin + (warningBeside ? 2.5 * caption : 0)
     readonly property real warningRoom: axis - 140 * unit - 8 - warningTextX
 
+    // A trouble has more lines: beside the body where it is widest, and never beside the lower bout.
+    readonly property real troubleRoom: lying ? warningRoom : axis - 158 * unit - 8 - warningTextX
+    readonly property real troubleCeiling: captionBaseline + 12
+    readonly property real troubleLimit: lying ? warningLimit
+                                               : Math.min(warningLimit, celloY + 835 * unit)
+
     // The sheets over it.
     readonly property real sheetWidth: lying ? Math.min(560, width) : tablet ? 560 : width
     readonly property real sheetMargin: lying ? (low ? 24 : 32) : tablet ? 32 : margin
@@ -109,8 +116,7 @@ QtObject {
     readonly property real sheetPadding: by(24, 44, 36)
     readonly property real sheetLimit: height - (lying ? safe.top + (low ? 32 : 48)
                                                        : safe.top + sheetLift)
-    // Room that a small screen has beyond the smallest, 0 to 1; the settings breathe by it.
-    readonly property real slack: Math.max(0, Math.min(1, (height - 480) / 88))
+    readonly property real twoLines: by(58, 62, 68)  // height of a row of two lines
     // Phones too low for the settings at their full spacing.
     readonly property bool tight: !tablet && !small && height < 700
 }

@@ -9,7 +9,9 @@ Item {
     property real alpha: 1
     property bool blinking: false
 
-    // Blinking runs in steps of 50 ms, ten to a round: every step is a repaint.
+    // What blinks does so three times and then stands still. Blinking runs in steps of 50 ms, ten to
+    // a round: every step is a repaint.
+    readonly property int blinkSteps: 30
     property int blinkStep: 0
     readonly property real blink: 0.5 + 0.5 * Math.cos(Math.PI * blinkStep / 5)
     readonly property bool blinks: blinking && visible && !Theme.reducedMotion
@@ -22,7 +24,7 @@ Item {
     Timer {
         interval: 50
         repeat: true
-        running: outlet.blinks
-        onTriggered: outlet.blinkStep = (outlet.blinkStep + 1) % 10
+        running: outlet.blinks && outlet.blinkStep < outlet.blinkSteps
+        onTriggered: ++outlet.blinkStep
     }
 }

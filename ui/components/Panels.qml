@@ -7,6 +7,7 @@ Item {
     required property Metrics metrics
     required property string openPanel
     required property string version
+    required property bool volumeLow
     readonly property alias a4: settings.a4
     signal dismissed()
 
@@ -16,6 +17,7 @@ Item {
 
     ForkPanel {
         name: "fork"
+        volumeLow: panels.volumeLow
         metrics: panels.metrics
         open: panels.openPanel === name
         onDismissed: panels.dismissed()

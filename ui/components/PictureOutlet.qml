@@ -6,6 +6,7 @@ Outlet {
     id: view
 
     property string image: ""
+    property string shown: image  // another picture in its place, where something overrides it
     property bool cached: true
     property real celloUnit: 0  // of a picture that lies on the cello: its unit in points
     property alias fillMode: picture.fillMode
@@ -20,8 +21,8 @@ Outlet {
         anchors.fill: parent
         source: !view.visible ? ""
             : view.celloUnit > 0
-                ? Theme.onCello(view.image, view.celloUnit, Screen.devicePixelRatio)
-            : Theme.picture(view.image)
+                ? Theme.onCello(view.shown, view.celloUnit, Screen.devicePixelRatio)
+            : Theme.picture(view.shown)
         fillMode: Image.PreserveAspectFit
         cache: view.cached
     }

@@ -13,6 +13,7 @@ Button {
     pressedFill: selected ? Theme.selectedPressed : Theme.controlPressed
     edge: selected ? Theme.brass : Theme.line
     name: Texts.of("CalibrationPreset", a4)
+    Accessible.role: Accessible.RadioButton
     Accessible.checkable: true
     Accessible.checked: selected
 

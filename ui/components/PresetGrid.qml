@@ -9,6 +9,8 @@ Grid {
 
     columns: metrics.by(5, 3, 3)
     spacing: metrics.by(6, 10, 12)
+    Accessible.role: Accessible.Grouping
+    Accessible.name: Texts.of("CalibrationTitle")
 
     Repeater {
         model: [392, 415, 432, 440, 441, 442, 443, 444, 466]
@@ -19,7 +21,7 @@ Grid {
             action: "setA" + modelData
             backgroundImage: ""
             width: grid.cellWidth
-            height: grid.metrics.by(44 + 4 * grid.metrics.slack, grid.metrics.tight ? 48 : 50, 60)
+            height: grid.metrics.by(44, grid.metrics.tight ? 48 : 50, 60)
             size: grid.metrics.figure
         }
     }

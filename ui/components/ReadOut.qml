@@ -1,14 +1,22 @@
 import QtQuick
 
-// What the tuner heard: the frequency, or the waiting dots; the note; and the caption with the pitch
-// of A4, which mirrors the label in the settings.
+// What the tuner heard: the frequency, or what stands in its place; the note; and the caption with
+// the pitch of A4, which mirrors the label in the settings.
 Item {
     id: readOut
 
     required property Metrics metrics
     required property string a4
+    required property bool troubled  // nothing can be heard: neither note nor read-out are there
     readonly property alias note: noteDisplay.text
+    readonly property alias level: meter.step
+    readonly property bool waiting: frequency.text === "" && !frequency.hidden && !troubled
+    readonly property real middle: metrics.baseline - 0.36 * metrics.readout
 
+    MeterOutlet {
+        id: meter
+        objectName: "inputLevel"
+    }
     FittedText {
         objectName: "caption"
         x: readOut.metrics.margin
@@ -26,6 +34,7 @@ Item {
         objectName: "noteDisplay"
         x: readOut.metrics.margin - 0.03 * size
         y: readOut.metrics.noteBaseline - baselineOffset
+        visible: !hidden && !readOut.troubled
         size: readOut.metrics.note
         font.family: Theme.serif
         name: text === "" ? "" : Texts.of("NoteName") + " " + text
@@ -35,17 +44,34 @@ Item {
         objectName: "freq_label"
         x: readOut.metrics.margin - 0.03 * size
         y: readOut.metrics.baseline - baselineOffset
+        visible: !hidden && !readOut.troubled
         size: readOut.metrics.readout
         width: 3.8 * size  // also where there is nothing to read: it can be pointed at and spoken
         font.weight: Font.Medium
         Accessible.role: Accessible.StatusBar
         name: Texts.of("ReadOut")
-        description: text === "" ? Texts.of("ListeningTitle") : text
+        description: text !== "" ? text
+                                 : Texts.of(meter.tooQuiet ? "HeardTooQuiet" : "ListeningTitle")
+    }
+    LabelOutlet {
+        id: hint
+        objectName: "firstNoteHint"
+        x: readOut.metrics.margin
+        y: readOut.middle + (0.325 - 0.55 * (lineCount - 1)) * font.pixelSize - baselineOffset
+        visible: !hidden && text !== "" && readOut.waiting
+        room: readOut.metrics.width - 2 * x - 20 - 0.84 * dots.size
+        size: readOut.metrics.prompt
+        leading: 1.1
+        balanced: true
+        color: Theme.ink2
+        font.family: Theme.serif
     }
     WaitingDots {
-        x: readOut.metrics.margin
-        y: readOut.metrics.baseline
-        size: readOut.metrics.readout
-        visible: frequency.text === "" && !frequency.hidden
+        id: dots
+        x: hint.visible ? hint.x + hint.contentWidth + 20 : readOut.metrics.margin
+        y: readOut.middle + 0.36 * size
+        size: readOut.metrics.readout * (hint.text === "" ? 1 : 0.8)
+        level: meter.step
+        visible: readOut.waiting
     }
 }

@@ -1,16 +1,32 @@
 import QtQuick
 
-// Calibration, sensitivity of the microphone, and three switches.
+// Calibration; what the microphone hears with; and three switches. When it closes, the main screen
+// appears again, so that what was changed is true at once.
 Sheet {
     id: settings
 
     readonly property alias a4: header.a4
     readonly property alias temperament: header.temperament
-    readonly property real rowHeight: metrics.by(44 + 10 * metrics.slack, metrics.tight ? 48 : 54, 58)
 
     title: Texts.of("SettingsTitle")
     contentHeight: column.height
-    fills: metrics.small
+    fills: metrics.small && !metrics.lying
+    unfolded: chooser.open
+    onFoldAsked: chooser.fold()
+    onOpenChanged: if (!open) {
+        chooser.fold()
+        returned.activated()
+    }
+
+    Trigger { id: returned; action: "returnToMainScreen" }
+
+    component Line: Item {
+        property real above: settings.metrics.by(4, 5, 8)
+        property real below: above
+        width: parent.width
+        height: above + below
+        Rectangle { y: parent.above; width: parent.width; height: 1; color: Theme.line }
+    }
 
     Column {
         id: column
@@ -25,20 +41,20 @@ Sheet {
             width: parent.width
             metrics: settings.metrics
         }
-        Item {
-            id: sensitivity
-            readonly property real gap: settings.metrics.by(14 + 10 * settings.metrics.slack,
-                                                            settings.metrics.tight ? 18 : 24, 28)
-            readonly property real space: settings.metrics.by(8 * settings.metrics.slack,
-                                                              settings.metrics.tight ? 4 : 10, 16)
+        Line { above: settings.metrics.by(14, 20, 24) ; below: settings.metrics.by(4, 5, 8) }
+        MicrophoneChooser {
+            id: chooser
             width: parent.width
-            height: gap + 84 + 2 * space
-
-            Rectangle { y: sensitivity.gap; width: parent.width; height: 1; color: Theme.line }
+            metrics: settings.metrics
+            onOpenChanged: if (open) Qt.callLater(settings.reveal, chooser)
+        }
+        Item {
+            width: parent.width
+            height: settings.metrics.by(76, 90, 104)
             LabelOutlet {
                 id: caption
                 objectName: "micSensitivityLabel"
-                y: sensitivity.gap + 24 + sensitivity.space - baselineOffset
+                y: settings.metrics.by(20, 24, 28) - baselineOffset
                 room: parent.width
                 size: settings.metrics.body
                 name: ""  // the slider speaks it
@@ -47,36 +63,37 @@ Sheet {
                 objectName: "micSensitivitySlider"
                 action: "micSensitivity"
                 name: caption.text
-                y: sensitivity.gap + 32 + 1.4 * sensitivity.space
+                y: settings.metrics.by(26, 36, 44)
                 width: parent.width
             }
-            Rectangle { y: parent.height - 2; width: parent.width; height: 1; color: Theme.line }
         }
         SwitchRow {
             metrics: settings.metrics
             width: parent.width
-            height: settings.rowHeight
-            captionOutlet: "soundNotificationLabel"
-            switchOutlet: "soundNotificationSwitch"
-            action: "soundNotificationAction"
-            on: true
+            least: settings.metrics.twoLines
+            captionOutlet: "fineHearingLabel"
+            hintOutlet: "fineHearingHint"
+            switchOutlet: "fineHearingSwitch"
+            action: "toggleFineHearing"
         }
-        SwitchRow {
-            metrics: settings.metrics
-            width: parent.width
-            height: settings.rowHeight
-            captionOutlet: "stringSoundsLabel"
-            switchOutlet: "stringSoundsSwitch"
-            action: "toggleStringSounds"
-        }
-        SwitchRow {
-            metrics: settings.metrics
-            width: parent.width
-            height: settings.rowHeight
-            captionOutlet: "frequencyChartLabel"
-            switchOutlet: "freqChartSwitch"
-            action: "toggleFreqChart"
-            on: true
+        Line {}
+        Repeater {
+            model: [
+                { name: "soundNotification", action: "soundNotificationAction", on: true },
+                { name: "stringSounds", action: "toggleStringSounds", on: false },
+                { name: "frequencyChart", switch: "freqChartSwitch",
+                  action: "toggleFreqChart", on: true }
+            ]
+            SwitchRow {
+                required property var modelData
+                metrics: settings.metrics
+                width: column.width
+                least: settings.metrics.by(46, 52, 58)
+                captionOutlet: modelData.name + "Label"
+                switchOutlet: modelData.switch ?? modelData.name + "Switch"
+                action: modelData.action
+                on: modelData.on
+            }
         }
     }
 }

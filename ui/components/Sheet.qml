@@ -1,7 +1,8 @@
 import QtQuick
 
-// A panel that slides from the bottom over the dimmed room, as high as its content. Its close button
-// lies at the top right; Escape and a press beside it close it too.
+// A panel that slides from the bottom over the dimmed room, as high as its content; what is higher
+// than the room scrolls. Its close button lies at the top right; Escape and a press beside it close
+// it too.
 Item {
     id: sheet
 
@@ -11,8 +12,10 @@ Item {
     required property real contentHeight
     property bool open: false
     property bool fills: false     // the screen, whatever the content needs
+    property bool unfolded: false  // something in it that Escape folds first
     default property alias content: body.data
     signal dismissed()
+    signal foldAsked()
 
     property real progress: 0  // 0 out of sight, 1 open
 
@@ -21,15 +24,23 @@ Item {
     enabled: open
     Accessible.role: Accessible.Dialog
     Accessible.name: title
-    Keys.onEscapePressed: dismissed()
+    Keys.onEscapePressed: unfolded ? foldAsked() : dismissed()
+    Keys.onUpPressed: area.moveBy(-60)
+    Keys.onDownPressed: area.moveBy(60)
+    Keys.onPressed: event => {
+        event.accepted = event.key === Qt.Key_PageUp || event.key === Qt.Key_PageDown
+        if (event.accepted) area.moveBy((event.key === Qt.Key_PageUp ? -0.7 : 0.7) * area.height)
+    }
 
     // Who came by the keyboard goes on with the first control.
     function takeFocus() {
         if (Theme.focusVisible) closeButton.forceActiveFocus(Qt.TabFocusReason)
         else forceActiveFocus()
     }
+    function reveal(item: Item) { area.reveal(item) }
 
     onOpenChanged: {
+        if (open) area.begin()
         slide.to = open ? 1 : 0
         slide.duration = Theme.reducedMotion ? 0 : open ? 260 : 200
         slide.easing.type = open ? Easing.OutCubic : Easing.InCubic
@@ -61,27 +72,26 @@ Item {
 
         MouseArea { anchors.fill: parent }  // presses on the paper do not reach the scrim
 
-        Item {
-            x: (parent.width - width) / 2
-            width: sheet.metrics.sheetContent
+        CloseStrip {
+            id: closeButton
+            z: 1
+            width: parent.width
+            metrics: sheet.metrics
+            radius: parent.radius
+            lifted: area.scrolled
+            onClicked: sheet.dismissed()
+        }
+        ScrollArea {
+            id: area
+            width: parent.width - (paper.floats ? 0 : 2)
             height: paper.shownHeight
-
-            IconButton {
-                id: closeButton
-                anchors.right: parent.right
-                y: sheet.metrics.by(10, 14, 20)
-                width: 44
-                height: 44
-                radius: 22
-                edge: "transparent"
-                icon: "iconClose.png"
-                iconSize: 24
-                name: Texts.of("CloseTitle")
-                onClicked: sheet.dismissed()
-            }
+            length: sheet.contentHeight + 14
+            head: closeButton.height
+            fade: sheet.metrics.by(40, 56, 56)
+            inset: (width - sheet.metrics.sheetContent) / 2
             Item {
                 id: body
-                width: parent.width
+                width: sheet.metrics.sheetContent
             }
         }
     }

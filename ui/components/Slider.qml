@@ -5,7 +5,7 @@ import QtQuick
 Control {
     id: slider
 
-    property real value: 5
+    value: 5
     readonly property real minimumValue: 0
     readonly property real maximumValue: 10
     readonly property real stepSize: 1

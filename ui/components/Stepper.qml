@@ -4,7 +4,7 @@ import QtQuick
 Control {
     id: stepper
 
-    property real value: 440
+    value: 440
     readonly property real minimumValue: 392
     readonly property real maximumValue: 466
     readonly property real stepSize: 1

@@ -18,12 +18,9 @@ Item {
         anchors { fill: parent; margins: 1 }
         color: Theme.controlPressed
     }
-    Image {
+    Icon {
         anchors.centerIn: parent
-        width: 28
-        height: 28
-        sourceSize: Qt.size(56, 56)
-        source: Theme.picture(half.icon)
+        icon: half.icon
     }
     MouseArea {
         id: touch

@@ -14,6 +14,8 @@ Button {
     pressedFill: sounding ? Theme.selectedPressed : Theme.controlPressed
     edge: sounding ? Theme.brass : Theme.line
     edgeWidth: sounding ? 2 : 1
+    Accessible.checkable: true
+    Accessible.checked: sounding
 
     Image {
         id: swing

@@ -8,6 +8,8 @@ Item {
     required property string stringOutlet
     required property string lampOutlet
     required property string note         // the one last in tune
+    required property int level           // of what is heard, 0 to 7
+    required property bool troubled       // nothing can be heard
 
     PictureOutlet {
         objectName: marks.stringOutlet
@@ -40,6 +42,8 @@ Item {
         id: lamp
         objectName: marks.lampOutlet
         note: marks.note
+        level: marks.level
+        dark: marks.troubled
         x: marks.metrics.lampX
         y: marks.metrics.lampBottom - height
         width: marks.metrics.lamp

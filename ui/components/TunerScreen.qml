@@ -79,10 +79,17 @@ Item {
                 id: readOut
                 metrics: metrics
                 a4: panels.a4
+                troubled: trouble.stands
             }
             VolumeWarning {
+                id: volume
                 x: metrics.margin
                 y: metrics.warningBeside ? metrics.warningMiddle : metrics.warningTop
+                metrics: metrics
+                troubled: trouble.stands
+            }
+            Trouble {
+                id: trouble
                 metrics: metrics
             }
             TunedMarks {
@@ -90,6 +97,8 @@ Item {
                 stringOutlet: screen.stringOutlet
                 lampOutlet: screen.lampOutlet
                 note: readOut.note
+                level: readOut.level
+                troubled: trouble.stands
             }
             Dock {
                 id: dock
@@ -108,9 +117,11 @@ Item {
             metrics: metrics
             openPanel: screen.openPanel
             version: screen.version
+            volumeLow: volume.low
             onDismissed: screen.openPanel = ""
         }
     }
+    Announcement { objectName: "announcement" }
     RatingDialog {
         id: dialog
         objectName: "ratingDialog"

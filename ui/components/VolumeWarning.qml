@@ -1,49 +1,43 @@
 import QtQuick
 
 // Asks for more volume: a triangle over two lines of text, or left of the text and in the middle of
-// it where that is the place.
+// it where that is the place. A trouble with the microphone goes first.
 Item {
     id: warning
 
     required property Metrics metrics
-
-    // In two lines, broken at the last space before the middle or else at the first.
-    function broken(text: string): string {
-        const before = text.lastIndexOf(" ", text.length / 2 - 1)
-        const at = before < 0 ? text.indexOf(" ") : before
-        return at < 0 ? text : text.slice(0, at) + "\n" + text.slice(at + 1)
-    }
+    required property bool troubled
+    readonly property bool low: !label.hidden
 
     LabelOutlet {
         objectName: "turnUpTheVolumeTriangleLabel"
         hidden: true
         name: ""
+        visible: !hidden && !warning.troubled
         y: warning.metrics.warningBeside ? -height / 2 : 0
         width: 1.65 * warning.metrics.caption
         height: width
-        Image {
-            x: -0.07 * parent.width
-            width: parent.width * 1.14
-            height: width
-            sourceSize: Qt.size(2 * width, 2 * height)
-            source: Theme.picture("iconWarning.png")
-        }
+        WarningSign { width: parent.width }
     }
     LabelOutlet {
+        id: label
         objectName: "turnUpTheVolumeLabel"
         hidden: true
-        name: Texts.of("TurnUpTheVolume")
-        initialText: warning.metrics.warningBeside ? Texts.of("TurnUpTheVolume")
-                                                   : warning.broken(Texts.of("TurnUpTheVolume"))
+        name: initialText
+        initialText: Texts.of("TurnUpTheVolume")
+        visible: !hidden && !warning.troubled
         x: warning.metrics.warningTextX - warning.metrics.margin
         y: warning.metrics.warningBeside ? -height / 2
                                          : 2.95 * warning.metrics.caption - baselineOffset
-        room: warning.metrics.warningRoom
+        room: warning.metrics.warningBeside
+            ? warning.metrics.warningRoom
+            : Math.min(warning.metrics.warningRoom, 9.2 * warning.metrics.caption)
         size: warning.metrics.caption
         leading: 1.25
         color: Theme.amber
         font.weight: Font.Bold
         shrinks: false
+        balanced: true
         Accessible.role: Accessible.AlertMessage
     }
 }

@@ -1,11 +1,13 @@
 import QtQuick
 
-// Three dots in place of the read-out; a light travels through them. It moves in a few steps a
-// second: it is on screen most of the time, and every step is a repaint.
+// What stands in place of the read-out while there is none. In silence three dots, a light travels
+// through them; it moves in a few steps a second: it is on screen most of the time, and every step
+// is a repaint. What is heard makes a string between the dots swing, step by step with its level.
 Item {
     id: dots
 
     property real size: 78  // of the read-out
+    property int level: 0   // 0 to 7
     property real phase: 0  // 0 to 1, one round
 
     Repeater {
@@ -13,6 +15,7 @@ Item {
         Rounded {
             required property int index
             readonly property real glow: 0.5 + 0.5 * Math.cos(2 * Math.PI * (dots.phase - index / 4))
+            visible: dots.level === 0
             x: (0.06 + 0.36 * index - 0.055) * dots.size
             y: (-0.36 - 0.055) * dots.size
             width: 0.11 * dots.size
@@ -21,10 +24,17 @@ Item {
             opacity: Theme.reducedMotion ? [0.9, 0.5, 0.25][index] : 0.25 + 0.65 * glow
         }
     }
+    Image {
+        visible: dots.level > 0
+        y: (-0.36 - 0.2) * dots.size
+        width: 0.84 * dots.size
+        height: 0.4 * dots.size
+        source: visible ? Theme.picture("levelSwing" + dots.level + ".png") : ""
+    }
     Timer {
         interval: 120
         repeat: true
-        running: dots.visible && !Theme.reducedMotion
+        running: dots.visible && dots.level === 0 && !Theme.reducedMotion
         onTriggered: dots.phase = (dots.phase + 0.12 / 1.8) % 1
     }
 }
