@@ -56,7 +56,8 @@ Item {
         id: paper
 
         readonly property bool floats: sheet.metrics.sheetLift > 0
-        readonly property bool covers: sheet.fills && sheet.metrics.sheetWidth >= sheet.width
+        readonly property bool covers: sheet.fills && !sheet.metrics.lying
+                                       && sheet.metrics.sheetWidth >= sheet.width
         readonly property real shownHeight: covers ? sheet.metrics.sheetLimit
             : Math.min(sheet.metrics.sheetLimit, sheet.contentHeight + sheet.metrics.sheetPadding)
 
