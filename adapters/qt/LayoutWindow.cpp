@@ -56,7 +56,7 @@ LayoutWindow::LayoutWindow(Setup setup, ViewController& controller, Log& log)
   };
   bind("Ctrl+Q", [this] { window_.close(); });
   bind("Ctrl+W", [this] { window_.close(); });
-  bind("F11", [this] { window_.setWindowStates(window_.windowStates() ^ Qt::WindowFullScreen); });
+  bind("F11", [this] { window_.fillScreen(!(window_.windowStates() & Qt::WindowFullScreen)); });
   QObject::connect(&window_, &QWindow::widthChanged, &window_, [this] { arrange(); });
   QObject::connect(&window_, &QWindow::heightChanged, &window_, [this] { arrange(); });
 }
@@ -116,7 +116,8 @@ void LayoutWindow::prepare() {
   } else {
     window_.setMinimumSize({kSmallest, kSmallest});
     window_.resize(size.boundedTo(room).toSize());
-    if (setup_.settings && !memory_) memory_.emplace(window_, *setup_.settings).restore();
+    if (!setup_.settings || memory_) return;
+    window_.fillScreen(memory_.emplace(window_, *setup_.settings).restore());
   }
 }
 
@@ -189,11 +190,17 @@ std::optional<std::string> LayoutWindow::saveScreenshot(const std::string& path)
   return {};
 }
 
+void LayoutWindow::KeyWindow::fillScreen(bool fill) {
+  const Qt::WindowStates states = windowStates();
+  if (fill == states.testFlag(Qt::WindowFullScreen)) return;
+  if (fill) former_ = states;
+  setWindowStates(fill ? Qt::WindowFullScreen : former_);
+}
+
 // What comes back from the layout: nothing is open that it would close.
 void LayoutWindow::KeyWindow::keyPressEvent(QKeyEvent* event) {
   QQuickWindow::keyPressEvent(event);
-  if (event->isAccepted() || event->key() != Qt::Key_Escape) return;
-  if (windowStates() & Qt::WindowFullScreen) setWindowStates(windowStates() ^ Qt::WindowFullScreen);
+  if (!event->isAccepted() && event->key() == Qt::Key_Escape) fillScreen(false);
 }
 
 }  // namespace endpin

@@ -73,8 +73,12 @@ class LayoutWindow final : public Screen {
  private:
   // The one that takes keys which nothing in it took.
   class KeyWindow final : public QQuickWindow {
-   protected:
+   public:
+    void fillScreen(bool fill);
     void keyPressEvent(QKeyEvent* event) override;
+
+   private:
+    Qt::WindowStates former_;  // before it filled the screen: not every desktop keeps it
   };
 
   std::unique_ptr<QQuickItem> load(const std::string& name);

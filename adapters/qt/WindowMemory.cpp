@@ -56,33 +56,33 @@ bool WindowMemory::eventFilter(QObject* /*window*/, QEvent* event) {
   return false;
 }
 
-void WindowMemory::restore() {
+bool WindowMemory::restore() {
   const auto number = [this](const char* key) {
     constexpr std::int64_t kFarthest = 1 << 20;
     return static_cast<int>(std::clamp(settings_.integerForKey(key), -kFarthest, kFarthest));
   };
   QRect last(number("windowX"), number("windowY"), number("windowWidth"), number("windowHeight"));
-  if (last.isEmpty()) return;
+  if (last.isEmpty()) return false;
   const bool placed = hasPlaces() && settings_.stringForKey("windowX") && canBeTaken(last);
   const QScreen* screen = placed ? QGuiApplication::screenAt(last.center()) : nullptr;
   if (!screen) screen = window_.screen();
   window_.resize(last.size().boundedTo(screen->availableSize() - QSize(0, kTitleBar)));
   if (placed) window_.setPosition(last.topLeft());
-  Qt::WindowStates states;
-  states.setFlag(Qt::WindowMaximized, settings_.boolForKey("windowMaximised"));
-  states.setFlag(Qt::WindowFullScreen, settings_.boolForKey("windowFullScreen"));
-  window_.setWindowStates(states);
+  if (settings_.boolForKey("windowMaximised")) window_.setWindowStates(Qt::WindowMaximized);
+  return settings_.boolForKey("windowFullScreen");
 }
 
-// The size and the place are those of the window by itself, which it has again when it no longer
-// fills the screen.
+// The size and the place are those of the window by itself, which it has again afterwards; and one
+// that fills the screen may have been maximised before.
 void WindowMemory::remember() {
   const Qt::WindowStates states = window_.windowStates();
   if (states & Qt::WindowMinimized || !window_.isVisible()) return;
   settled_.stop();
-  settings_.setBool("windowMaximised", states & Qt::WindowMaximized);
-  settings_.setBool("windowFullScreen", states & Qt::WindowFullScreen);
-  if (!(states & (Qt::WindowMaximized | Qt::WindowFullScreen))) {
+  const bool fillsScreen = states & Qt::WindowFullScreen;
+  const bool maximised = states & Qt::WindowMaximized;
+  settings_.setBool("windowFullScreen", fillsScreen);
+  if (!fillsScreen) settings_.setBool("windowMaximised", maximised);
+  if (!fillsScreen && !maximised) {
     settings_.setInteger("windowWidth", window_.width());
     settings_.setInteger("windowHeight", window_.height());
     if (hasPlaces()) {

@@ -19,10 +19,11 @@ class WindowMemory final : public QObject {
   WindowMemory(QWindow& window, SettingsStore& settings);
   ~WindowMemory() override;
 
-  // Gives the window the size and the place of last time, and the state that it is to be shown in.
-  // Without a memory nothing happens. A size that is larger than the screen is cut to it; a place
-  // at which the window could not be seen or moved is the desktop's to choose again.
-  void restore();
+  // Gives the window the size and the place of last time, maximises it if it was, and says whether
+  // it filled the screen. Without a memory nothing happens. A size that is larger than the screen
+  // is cut to it; a place at which the window could not be seen or moved is the desktop's to choose
+  // again.
+  bool restore();
 
  private:
   bool eventFilter(QObject* window, QEvent* event) override;

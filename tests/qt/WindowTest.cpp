@@ -250,6 +250,8 @@ TEST_F(WindowTest, IsRememberedOverARestart) {
     EXPECT_EQ(shown->root()->size(), QSizeF(window().size()));
     EXPECT_EQ(fake.settings.integerForKey("windowWidth"), 710) << "that of the window by itself";
   }
+  press(Qt::Key_F11);
+  EXPECT_EQ(window().windowStates(), Qt::WindowMaximized) << "as before it filled the screen";
 }
 
 TEST_F(WindowTest, WhatIsRememberedHasToBeOfUse) {
