@@ -2,7 +2,6 @@
 // the bridge to its screen. One at a time. Thread: main.
 #pragma once
 
-#include "adapters/offline/OfflineSession.h"
 #include "adapters/web/WebBundle.h"
 #include "adapters/web/WebMicrophone.h"
 #include "adapters/web/WebOutput.h"
@@ -49,7 +48,7 @@ class Page {
   WebDevice device_;
   WebRunLoop runLoop_;
   WebMicrophone microphone_;
-  OfflineSession session_;  // the browser knows no volume: it counts as full
+  WebSession session_;
   WebPlayers players_;
   WebOutput output_;
   Platform platform_{.audioInput = microphone_,

@@ -1,4 +1,4 @@
-// The small duties of a page: log, beep, device. Thread: main.
+// The small duties of a page: log, beep, session, device. Thread: main.
 #pragma once
 
 #include <memory>
@@ -8,6 +8,7 @@
 #include "adapters/offline/FixedDevice.h"
 #include "adapters/web/Host.h"
 #include "ports/AudioPlayer.h"
+#include "ports/AudioSession.h"
 #include "ports/Log.h"
 
 namespace endpin {
@@ -33,6 +34,18 @@ class WebPlayers : public AudioPlayers {
    private:
     const std::string path_;
   };
+};
+
+// The browser grants what it grants when the page asks for the microphone, and tells no volume: it
+// counts as full.
+class WebSession : public AudioSession {
+ public:
+  Error setCategory(AudioSessionCategory /*category*/, std::uint32_t /*options*/) override {
+    return std::nullopt;
+  }
+  Error setMode(AudioSessionMode /*mode*/) override { return std::nullopt; }
+  Error setActive(bool /*active*/) override { return std::nullopt; }
+  [[nodiscard]] float outputVolume() const override { return 1.0F; }
 };
 
 class WebDevice : public FixedDevice {
