@@ -6,7 +6,7 @@
 namespace endpin {
 
 RunLoop::TimerId VirtualRunLoop::scheduleTimer(double seconds, Call fire) {
-  return agenda_.addTimer(now_, seconds, std::move(fire));
+  return timerQueue_.addTimer(now_, seconds, std::move(fire));
 }
 
 void VirtualRunLoop::performAfterDelay(double seconds, Call call) {
@@ -14,17 +14,17 @@ void VirtualRunLoop::performAfterDelay(double seconds, Call call) {
 }
 
 void VirtualRunLoop::performAt(double time, Call call) {
-  agenda_.addCall(std::max(time, now_), std::move(call));
+  timerQueue_.addCall(std::max(time, now_), std::move(call));
 }
 
 void VirtualRunLoop::runUntil(double time) {
   constexpr double kRounding = 1e-9;  // seconds
   for (;;) {
-    while (mailbox_.deliver()) {
+    while (callQueue_.deliver()) {
     }
-    if (agenda_.nextDue() > time + kRounding) break;
-    now_ = std::max(now_, agenda_.nextDue());
-    agenda_.take(now_)();
+    if (timerQueue_.nextDue() > time + kRounding) break;
+    now_ = std::max(now_, timerQueue_.nextDue());
+    timerQueue_.take(now_)();
   }
   now_ = std::max(now_, time);
 }

@@ -2,8 +2,7 @@
 // goes, and every run is the same. Thread: main, but for dispatchAsync (any).
 #pragma once
 
-#include "adapters/runloop/Agenda.h"
-#include "adapters/runloop/Mailbox.h"
+#include "adapters/offline/TimerQueue.h"
 #include "ports/RunLoop.h"
 
 namespace endpin {
@@ -12,7 +11,7 @@ class VirtualRunLoop : public RunLoop {
  public:
   TimerId scheduleTimer(double seconds, Call fire) override;
   void performAfterDelay(double seconds, Call call) override;
-  void dispatchAsync(Call call) override { mailbox_.post(std::move(call)); }
+  void dispatchAsync(Call call) override { callQueue_.post(std::move(call)); }
 
   // Calls `call` once when the clock reads `time`; a time that has passed counts as now.
   void performAt(double time, Call call);
@@ -27,8 +26,8 @@ class VirtualRunLoop : public RunLoop {
   void advance(double seconds) { runUntil(now_ + seconds); }
 
  private:
-  Agenda agenda_;
-  Mailbox mailbox_;
+  TimerQueue timerQueue_;
+  CallQueue callQueue_;
   double now_ = 0;
 };
 

@@ -6,24 +6,24 @@
 namespace endpin {
 
 RunLoop::TimerId MainRunLoop::scheduleTimer(double seconds, Call fire) {
-  return agenda_.addTimer(now(), seconds, std::move(fire));
+  return timerQueue_.addTimer(now(), seconds, std::move(fire));
 }
 
 void MainRunLoop::performAfterDelay(double seconds, Call call) {
-  agenda_.addCall(now() + std::max(seconds, 0.0), std::move(call));
+  timerQueue_.addCall(now() + std::max(seconds, 0.0), std::move(call));
 }
 
 void MainRunLoop::dispatchAsync(Call call) {
-  mailbox_.post(std::move(call));
+  callQueue_.post(std::move(call));
   wakeUp_.signal();
 }
 
 void MainRunLoop::run(int stopDescriptor) {
   constexpr auto kNow = Clock::time_point::min();
   while (!stopped_ && !waitReadable({stopDescriptor}, kNow)) {
-    if (mailbox_.deliver()) continue;
-    if (agenda_.nextDue() <= now()) {
-      agenda_.take(now())();
+    if (callQueue_.deliver()) continue;
+    if (timerQueue_.nextDue() <= now()) {
+      timerQueue_.take(now())();
       continue;
     }
     if (!waitReadable({wakeUp_.descriptor(), stopDescriptor}, timeOfNextCall())) continue;
@@ -43,7 +43,7 @@ double MainRunLoop::now() const {
 
 MainRunLoop::Clock::time_point MainRunLoop::timeOfNextCall() const {
   constexpr double kLongest = 3600;  // seconds; then it is asked again
-  const double due = std::min(agenda_.nextDue(), now() + kLongest);
+  const double due = std::min(timerQueue_.nextDue(), now() + kLongest);
   // A nanosecond past, so that rounding does not wake the loop just too early.
   return start_ + std::chrono::ceil<Clock::duration>(std::chrono::duration<double>(due)) +
          std::chrono::nanoseconds(1);

@@ -5,9 +5,8 @@
 #include <atomic>
 #include <chrono>
 
+#include "adapters/offline/TimerQueue.h"
 #include "adapters/posix/WakeUp.h"
-#include "adapters/runloop/Agenda.h"
-#include "adapters/runloop/Mailbox.h"
 #include "ports/RunLoop.h"
 
 namespace endpin {
@@ -34,8 +33,8 @@ class MainRunLoop : public RunLoop {
 
   const Clock::time_point start_ = Clock::now();
   const WakeUp wakeUp_;
-  Agenda agenda_;
-  Mailbox mailbox_;
+  TimerQueue timerQueue_;
+  CallQueue callQueue_;
   std::atomic<bool> stopped_ = false;
 };
 

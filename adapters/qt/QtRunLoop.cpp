@@ -15,13 +15,13 @@ QtRunLoop::QtRunLoop() {
 }
 
 RunLoop::TimerId QtRunLoop::scheduleTimer(double seconds, Call fire) {
-  const TimerId timer = agenda_.addTimer(now(), seconds, std::move(fire));
+  const TimerId timer = timerQueue_.addTimer(now(), seconds, std::move(fire));
   waitForNext();
   return timer;
 }
 
 void QtRunLoop::performAfterDelay(double seconds, Call call) {
-  agenda_.addCall(now() + std::max(seconds, 0.0), std::move(call));
+  timerQueue_.addCall(now() + std::max(seconds, 0.0), std::move(call));
   waitForNext();
 }
 
@@ -37,13 +37,13 @@ double QtRunLoop::now() const {
 // drawing get theirs.
 void QtRunLoop::runDue() {
   const double time = now();
-  while (agenda_.nextDue() <= time) agenda_.take(time)();
+  while (timerQueue_.nextDue() <= time) timerQueue_.take(time)();
   waitForNext();
 }
 
 void QtRunLoop::waitForNext() {
-  const double due = agenda_.nextDue();
-  if (due == Agenda::kNever) return;
+  const double due = timerQueue_.nextDue();
+  if (due == TimerQueue::kNever) return;
   constexpr double kLongestWait = 86400;  // seconds; it is looked at again then
   const double wait = std::clamp(due - now(), 0.0, kLongestWait);
   timer_.start(static_cast<int>(std::ceil(wait * 1000)));

@@ -1,6 +1,6 @@
-// The run loop over Qt's event loop of the main thread: an agenda and one precise Qt timer for its
-// head. Qt's own repeating timers lose their phase when they are late, and do not say which of two
-// fires first.
+// The run loop over Qt's event loop of the main thread: a timer queue and one precise Qt timer for
+// its head. Qt's own repeating timers lose their phase when they are late, and do not say which of
+// two fires first.
 //
 // Made and destroyed on the main thread, after the application object. What has not run by then is
 // dropped.
@@ -10,7 +10,7 @@
 #include <QObject>
 #include <QTimer>
 
-#include "adapters/runloop/Agenda.h"
+#include "adapters/offline/TimerQueue.h"
 #include "ports/RunLoop.h"
 
 namespace endpin {
@@ -31,7 +31,7 @@ class QtRunLoop final : public RunLoop {
   void waitForNext();
 
   QElapsedTimer clock_;
-  Agenda agenda_;
+  TimerQueue timerQueue_;
   QTimer timer_;
   QObject mainThread_;  // what queued calls are addressed to
 };

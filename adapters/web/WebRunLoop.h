@@ -1,8 +1,7 @@
 // The main run loop of a page, which tells it the time: nothing fires in between. Thread: main.
 #pragma once
 
-#include "adapters/runloop/Agenda.h"
-#include "adapters/runloop/Mailbox.h"
+#include "adapters/offline/TimerQueue.h"
 #include "ports/RunLoop.h"
 
 namespace endpin {
@@ -14,15 +13,15 @@ class WebRunLoop : public RunLoop {
 
   TimerId scheduleTimer(double seconds, Call fire) override;
   void performAfterDelay(double seconds, Call call) override;
-  void dispatchAsync(Call call) override { mailbox_.post(std::move(call)); }
+  void dispatchAsync(Call call) override { callQueue_.post(std::move(call)); }
 
   // Fires, in order, what is due at `now`: a timer once, however late it is, after a page has slept
   // too. A clock that goes backward stands still. Returns the time at which something is due next.
   double advance(double now);
 
  private:
-  Agenda agenda_;
-  Mailbox mailbox_;
+  TimerQueue timerQueue_;
+  CallQueue callQueue_;
   double now_;
 };
 

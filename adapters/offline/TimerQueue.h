@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <limits>
 #include <map>
+#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -14,7 +15,7 @@
 
 namespace endpin {
 
-class Agenda {
+class TimerQueue {
  public:
   using Call = RunLoop::Call;
   static constexpr double kNever = std::numeric_limits<double>::infinity();
@@ -51,6 +52,31 @@ class Agenda {
   std::vector<Timer> timers_;
   std::map<Key, Item> items_;
   std::uint64_t asked_ = 0;
+};
+
+// Calls handed over to the main thread, in the order in which they came. Thread: any.
+class CallQueue {
+ public:
+  void post(RunLoop::Call call) {
+    const std::lock_guard lock(mutex_);
+    calls_.push_back(std::move(call));
+  }
+
+  // Makes the calls that are there now and returns whether there were any. Calls posted meanwhile
+  // wait for the next time. Thread: main.
+  bool deliver() {
+    std::vector<RunLoop::Call> calls;
+    {
+      const std::lock_guard lock(mutex_);
+      calls.swap(calls_);
+    }
+    for (const RunLoop::Call& call : calls) call();
+    return !calls.empty();
+  }
+
+ private:
+  std::mutex mutex_;
+  std::vector<RunLoop::Call> calls_;
 };
 
 }  // namespace endpin
