@@ -9,51 +9,13 @@
 #include <map>
 #include <set>
 
-#include "adapters/qt/LayoutWindow.h"
-#include "app/Application.h"
-#include "tests/fakes/FakePlatform.h"
-#include "tests/qt/FindItem.h"
+#include "tests/qt/LayoutFixture.h"
 
 namespace endpin {
 namespace {
 
-class LayoutsTest : public ::testing::TestWithParam<DeviceModel> {
+class LayoutsTest : public LayoutFixture {
  protected:
-  LayoutsTest() {
-    fake.device.height = model.height;
-    fake.device.idiom = static_cast<int>(model.idiom);
-    window.setReducedMotion(true);
-    window.installLayout(model.layout);
-    settle();
-  }
-
-  static void settle() { QTest::qWait(5); }
-
-  QQuickItem& item(const QString& wanted) {
-    QQuickItem* found = findItem(*window.root(), wanted);
-    if (!found) throw std::runtime_error("nothing visible is called " + wanted.toStdString());
-    return *found;
-  }
-  // Presses an item, by default its middle; across and down from 0 to 1. A panel that scrolls shows
-  // it first.
-  void click(const QString& wanted, double across = 0.5, double down = 0.5) {
-    QQuickItem& target = item(wanted);
-    target.forceActiveFocus();
-    settle();
-    const QPointF point = target.mapToScene({target.width() * across, target.height() * down});
-    ASSERT_TRUE(QRectF({0, 0}, window.window().size()).contains(point)) << wanted.toStdString();
-    QTest::mouseClick(&window.window(), Qt::LeftButton, {}, point.toPoint());
-    settle();
-  }
-  void closePanel() {
-    QTest::keyClick(&window.window(), Qt::Key_Escape);
-    settle();
-    EXPECT_EQ(window.root()->property("openPanel"), "");
-  }
-
-  const DeviceModel model = GetParam();
-  const double height = model.height;
-  const bool tablet = model.idiom == InterfaceIdiom::Tablet;
   const char* strings = tablet ? "tunedStringiPad" : height == 480 ? "tunedString" : "tunedString5";
   const std::string variant = height == 480    ? ""
                               : height == 568  ? "_5"
@@ -62,11 +24,6 @@ class LayoutsTest : public ::testing::TestWithParam<DeviceModel> {
                               : tablet         ? "_iPad_Pro"
                                                : "_6plus";
   const char* lamp = height < 600 ? "LEDDisplay" : "LEDDisplay128";
-  fakes::FakePlatform fake;
-  fakes::FakeLog faults;
-  Application application{fake.platform, false};
-  ViewController& controller = application.controller();
-  LayoutWindow window{{.model = model}, controller, faults};
 };
 
 TEST_P(LayoutsTest, BindsTheOutletsOfItsDeviceAndFollowsThemOnceATurn) {

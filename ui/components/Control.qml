@@ -23,7 +23,7 @@ Outlet {
     // A control in a panel that is shut off as a whole keeps its look.
     opacity: enabled || !parent.enabled ? blinking ? blink : alpha : 0.4
     scale: pressed ? pressedScale : 1
-    activeFocusOnTab: true
+    activeFocusOnTab: enabled
 
     Accessible.name: name
     Accessible.description: description

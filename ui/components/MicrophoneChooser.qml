@@ -16,8 +16,8 @@ Item {
         if (Theme.focusVisible) choices.takeFocus()
     }
     function fold() {
-        open = false
         if (choices.hasFocus) row.forceActiveFocus(Qt.TabFocusReason)
+        open = false
     }
 
     Keys.onDownPressed: unfold()
