@@ -8,6 +8,7 @@ Text {
     property real size: 17
     property real room: 0
     property bool shrinks: true
+    property string whole: text  // before it was broken into lines
     property real leading: 0  // from line to line in sizes; 0 leaves it to the font
     readonly property real fit: shrinks && room > 0 ? Math.min(1, room / ruler.advanceWidth) : 1
 
@@ -22,7 +23,7 @@ Text {
 
     TextMetrics {
         id: ruler
-        text: fitted.text
+        text: fitted.whole
         font.family: fitted.font.family
         font.weight: fitted.font.weight
         font.pixelSize: Math.round(fitted.size)

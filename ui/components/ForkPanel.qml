@@ -39,8 +39,9 @@ Sheet {
     }
     LabelOutlet {
         objectName: "tfFreqLabel"
-        x: -0.035 * size
-        y: fork.metrics.by(144, 190, 250) - baselineOffset
+        x: fork.metrics.flat ? fork.metrics.sheetContent - implicitWidth : -0.035 * size
+        y: fork.metrics.flat ? note.y + note.baselineOffset - baselineOffset
+                             : fork.metrics.by(144, 190, 250) - baselineOffset
         size: fork.metrics.by(40, 52, 72)
         font.weight: Font.Medium
     }
@@ -55,7 +56,8 @@ Sheet {
     Row {
         id: tones
         // The sheet grows upwards when there is a note to show; the buttons stay where they are.
-        y: note.text === "" ? fork.metrics.by(66, 80, 100) : fork.metrics.by(166, 222, 288)
+        y: note.text === "" ? fork.metrics.by(66, 80, 100)
+                            : fork.metrics.flat ? 112 : fork.metrics.by(166, 222, 288)
         spacing: 10
         function takeFocus() { children[0].forceActiveFocus(Qt.TabFocusReason) }
         Repeater {
@@ -69,7 +71,7 @@ Sheet {
                 string: index + 1
                 sounding: stop.enabled && fork.sounding === note
                 width: (fork.metrics.sheetContent - 30) / 4
-                height: fork.metrics.by(120, 132, 160)
+                height: fork.metrics.flat ? 100 : fork.metrics.by(120, 132, 160)
                 size: fork.metrics.by(24, 28, 34)
                 onActivated: fork.sounding = note
             }
@@ -82,7 +84,7 @@ Sheet {
         name: Texts.of(enabled ? "StopTitle" : "StopUnavailable")
         y: tones.y + tones.height + 14
         width: parent.width
-        height: fork.metrics.by(48, 56, 60)
+        height: fork.metrics.flat ? 44 : fork.metrics.by(48, 56, 60)
         radius: 16
         fill: enabled ? Theme.control : "transparent"
         edge: enabled ? Theme.line : Theme.edge

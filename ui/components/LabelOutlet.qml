@@ -33,6 +33,7 @@ Outlet {
 
     FittedText {
         id: shown
+        whole: label.words
         text: label.balanced ? breaker.broken(label.words, room) : label.words
         Accessible.ignored: true
     }

@@ -72,6 +72,7 @@ QtObject {
     readonly property real unit: Math.min((floor - top) / 1087, roomForHalf / 176)
     readonly property real axis: lying ? (low ? 0.785 : 0.79) * width
                                        : tablet ? 0.68 * width : width - margin - 176 * unit - 4
+    readonly property real promptRoom: lying ? axis - 176 * unit - 8 - margin : width - margin - 8
     readonly property real celloX: axis - 200 * unit
     readonly property real celloY: floor - 1097 * unit
     readonly property real ringSize: Math.max(24, Math.min(60, 58 * unit))
@@ -114,9 +115,11 @@ QtObject {
     readonly property real sheetContent: sheetWidth - 2 * sheetMargin
     readonly property real sheetLift: either(tablet ? 48 : 0, 0, 24)  // above the bottom edge
     readonly property real sheetPadding: by(24, 44, 36)
-    readonly property real sheetLimit: height - (lying ? safe.top + (low ? 32 : 48)
-                                                       : safe.top + sheetLift)
+    readonly property real sheetLimit: height - (low ? safe.top + 32
+        : tablet ? Math.max(safe.top, 24) + sheetLift : safe.top)
     readonly property real twoLines: by(58, 62, 68)  // height of a row of two lines
+    // Lying so low that what is usually in a stack stands side by side.
+    readonly property bool flat: low && height < 440
     // Phones too low for the settings at their full spacing.
     readonly property bool tight: !tablet && !small && height < 700
 }

@@ -11,7 +11,6 @@ Item {
     property string message
     property var buttons: []
     property bool shown: false
-    readonly property bool flat: metrics.low && metrics.small  // no room for buttons in a stack
     signal chosen(int index)
 
     anchors.fill: parent
@@ -47,7 +46,7 @@ Item {
 
     Rounded {
         anchors.centerIn: parent
-        width: Math.min(dialog.width - 48, dialog.flat ? 520 : 400)
+        width: Math.min(dialog.width - 48, dialog.metrics.flat ? 520 : 400)
         height: column.height
         radius: 24
         color: Theme.sheet
@@ -90,7 +89,7 @@ Item {
             Grid {
                 id: answers
                 readonly property real cell: (column.width - (columns - 1) * spacing) / columns
-                columns: dialog.flat ? Math.max(1, dialog.buttons.length) : 1
+                columns: dialog.metrics.flat ? Math.max(1, dialog.buttons.length) : 1
                 spacing: 10
                 Repeater {
                     model: dialog.buttons

@@ -59,7 +59,7 @@ Item {
         x: readOut.metrics.margin
         y: readOut.middle + (0.325 - 0.55 * (lineCount - 1)) * font.pixelSize - baselineOffset
         visible: !hidden && text !== "" && readOut.waiting
-        room: readOut.metrics.width - 2 * x - 20 - 0.84 * dots.size
+        room: readOut.metrics.promptRoom - 20 - 0.84 * dots.size
         size: readOut.metrics.prompt
         leading: 1.1
         balanced: true
