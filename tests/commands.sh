@@ -55,7 +55,7 @@ grep -q '"real_time"' "$work/bench.json" || { echo "bench: no figures as JSON"; 
 check 0 "$work/sheet.jpg" screenshots "$work/sheet.jpg" phone-480 panel-chart
 check 1 'no picture panel-kitchen' screenshots "$work/none.jpg" panel-kitchen
 
-# The first row of the first table: half a semitone off is never green.
+# The first row of the first table: half a semitone off is never green, to neither estimator.
 row=$(timeout 120 ./dev hearing 2>"$work/said" | sed -n '4{p;q}') || true
-[ "$row" = '| -50 | 0 % | 0 % | 0 % | 0 % |' ] || { echo "hearing: '$row'"; cat "$work/said"; failed=1; }
+[ "$row" = "| -50 |$(printf ' 0 %% |%.0s' {1..8})" ] || { echo "hearing: '$row'"; cat "$work/said"; failed=1; }
 exit $failed

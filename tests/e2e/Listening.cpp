@@ -26,19 +26,19 @@ Command endpin(Command arguments) {
   return arguments;
 }
 
-bool greenAt(int string, const Tick& tick) {
+bool greenAt(int string, const Tick& tick, double a4) {
   constexpr double kDivisors[4] = {1000.0, 1000.0, 850.0, 875.0};
-  const double reference = kCelloStrings[string].frequency;
+  const double reference = kCelloStrings[string].frequency * a4 / 440.0;
   const double off = std::abs(static_cast<double>(tick.frequency) - reference);
   return tick.green() && off <= reference / kDivisors[string];
 }
 
-double shareInTune(const Ticks& ticks, int string, double to) {
+double shareInTune(const Ticks& ticks, int string, double to, double a4) {
   Ticks steady;
   std::ranges::copy_if(ticks, std::back_inserter(steady),
                        [&](const Tick& tick) { return tick.time >= 1.2 && tick.time <= to; });
   const auto inTune =
-      std::ranges::count_if(steady, [&](const Tick& tick) { return greenAt(string, tick); });
+      std::ranges::count_if(steady, [&](const Tick& tick) { return greenAt(string, tick, a4); });
   return steady.empty() ? 0.0 : static_cast<double>(inTune) / static_cast<double>(steady.size());
 }
 

@@ -31,9 +31,9 @@ Ticks parseTicks(const std::string& output);
 // `endpin-cli` with these arguments, as a command.
 Command endpin(Command arguments);
 
-// Whether this tick read the string in tune at A4 = 440 just now, by its band worked out anew. The
-// lamp alone would say little: it stays green until there is silence.
-bool greenAt(int string, const Tick& tick);
+// Whether this tick read the string in tune just now, by its band worked out anew. The lamp alone
+// would say little: it stays green until there is silence.
+bool greenAt(int string, const Tick& tick, double a4 = 440.0);
 
 // The least share of the steady ticks that must be in tune when a string is exactly in tune. C2 has
 // to forgive: it lies almost midway between two bins of the spectrum, and of all places where a
@@ -45,6 +45,6 @@ inline constexpr double kLeastShareLive[4] = {0.95, 0.95, 0.95, 0.0};
 
 // In tune, of the ticks from 1.2 s on (the first block ends at 0.6 s and has the attack in it) to
 // `to`, where the note ends.
-double shareInTune(const Ticks& ticks, int string, double to = 6.0);
+double shareInTune(const Ticks& ticks, int string, double to = 6.0, double a4 = 440.0);
 
 }  // namespace endpin::testing
