@@ -248,7 +248,8 @@ TEST_P(HearingScreenTest, TheForkStopsOnlyWhatSoundsAndWarnsOfALowVolume) {
   const Told told(*window.root());
   controller.checkVolume();
   click("a3TFButton");
-  EXPECT_EQ(std::ranges::count(told.texts, "TurnUpTheVolume"), 2) << "on the screen and in the sheet";
+  EXPECT_EQ(std::ranges::count(told.texts, "TurnUpTheVolume"), 2)
+      << "on the screen and in the sheet";
   EXPECT_EQ(item("d3TFButton").mapToItem(window.root(), {0, 0}).y(), place) << "nothing moves";
   item("stopTFButton").forceActiveFocus(Qt::TabFocusReason);
   key(Qt::Key_Space);
