@@ -60,7 +60,7 @@ void writeTone(const ToneOptions& options, const StopSignal& stop) {
 // Throws ProgramError when no speaker asks for the tone.
 void playTone(const ToneOptions& options, const StopSignal& stop) {
   using Clock = std::chrono::steady_clock;
-  constexpr auto kOpeningLimit = std::chrono::seconds(3);
+  constexpr auto kSpeakerLimit = std::chrono::seconds(3);
   constexpr auto kFading = std::chrono::milliseconds(150);
   CubebOutput output;
   CalibrationOutlets nowhere;
@@ -69,7 +69,7 @@ void playTone(const ToneOptions& options, const StopSignal& stop) {
   fork.synthesizer().curTone = options.waveform;
   fork.play(static_cast<int>(options.string) + 1, stringFrequencies(options.a4)[options.string],
             true);
-  const auto limit = Clock::now() + kOpeningLimit;
+  const auto limit = Clock::now() + kSpeakerLimit;
   while (!fork.isSounding() && !stop.waitUntil(Clock::now() + std::chrono::milliseconds(20))) {
     if (Clock::now() > limit) throw ProgramError(kExitFailure, "no speaker can be opened");
   }
