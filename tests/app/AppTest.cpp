@@ -110,6 +110,7 @@ TEST(ScreenTableTest, NamesEveryElementAndSpeaksOfItInPlainValues) {
       EXPECT_EQ(property.read(view), after) << "swallowed while it was absent";
       EXPECT_EQ(changes, 1);
     }
+    view.onChange({});
   }
   for (const ActionRow& row : actionTable()) {
     EXPECT_TRUE(names.insert(row.name).second) << row.name << " twice";
