@@ -141,6 +141,7 @@ void HearingDisplay::chooseMicrophone(const ChoiceList& sender) {
 // The chosen one keeps its line while it is not connected.
 void HearingDisplay::showMicrophones() {
   if (!ports_.microphones) return;
+  listedChanges_ = ports_.microphones->changes();
   const std::string inUse = ports_.microphones->nameInUse();
   outlets_.microphoneName.setText(inUse.empty() ? chosenName_ : inUse);
   listed_ = ports_.microphones->connected();
@@ -161,10 +162,10 @@ void HearingDisplay::showMicrophones() {
 void HearingDisplay::tick(const Reading& reading, const Sensitivity& sensitivity,
                           const Judgement& judged) {
   followTrouble();
-  showMicrophones();
+  if (ports_.microphones && ports_.microphones->changes() != listedChanges_) showMicrophones();
   showLevel(reading.power, sensitivity);
   followFirstNote(judged, reading.frequency);
-  speakOfStrings(judged, references_);
+  speakOfStrings(judged, reading.block);
 }
 
 void HearingDisplay::followTrouble() {
@@ -200,14 +201,17 @@ void HearingDisplay::followFirstNote(const Judgement& judged, float frequency) {
   if (notes_ >= kNoteTicks) outlets_.firstNoteHint.setText("");
 }
 
-// Once for each judgement: a string that wavers is not told again before it was let go.
-void HearingDisplay::speakOfStrings(const Judgement& judged, const StringReferences& references) {
+// Once for each judgement: a string that wavers is not told again before it was let go. The level
+// is ahead of the block: when the next note begins, the lamp may show once more what was heard
+// before the silence, but that is not told again.
+void HearingDisplay::speakOfStrings(const Judgement& judged, std::uint64_t block) {
   if (judged.letGo) {
+    blockLetGo_ = block;
     if (std::exchange(spokenString_, 0) != 0) speak("");
-  } else if (judged.string != 0 && judged.string != spokenString_) {
+  } else if (judged.string != 0 && judged.string != spokenString_ && block != blockLetGo_) {
     spokenString_ = judged.string;
     const auto place = static_cast<std::size_t>(judged.string - 1);
-    speak(text("NoteInTune", references[place].noteName));
+    speak(text("NoteInTune", references_[place].noteName));
   }
 }
 

@@ -4,6 +4,7 @@
 // Owned by the screen controller. Thread: main.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -81,7 +82,7 @@ class HearingDisplay {
   void showMicrophones();
   void showLevel(float power, const Sensitivity& sensitivity);
   void followFirstNote(const Judgement& judged, float frequency);
-  void speakOfStrings(const Judgement& judged, const StringReferences& references);
+  void speakOfStrings(const Judgement& judged, std::uint64_t block);
   void speak(std::string text);
   [[nodiscard]] std::string text(std::string_view key) const;
   [[nodiscard]] std::string text(std::string_view key, std::string_view filledIn) const;
@@ -95,13 +96,15 @@ class HearingDisplay {
 
   std::string chosenId_;  // of the microphone; empty: the system's choice
   std::string chosenName_;
-  std::vector<Microphone> listed_;  // the lines of the choice list after the first
+  std::vector<Microphone> listed_;   // the lines of the choice list after the first
+  std::uint64_t listedChanges_ = 0;  // of the microphones, when it was made
 
   HearingTrouble shown_ = HearingTrouble::None;
   int troubledTicks_ = 0;
   bool firstAppearance_ = true;
-  int notes_ = 0;         // ticks in a row that heard a pitch, on a first start
-  int spokenString_ = 0;  // the one that was announced, until it is let go
+  int notes_ = 0;                 // ticks in a row that heard a pitch, on a first start
+  int spokenString_ = 0;          // the one that was announced, until it is let go
+  std::uint64_t blockLetGo_ = 0;  // the newest one when a string was let go last
 };
 
 }  // namespace endpin

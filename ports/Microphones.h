@@ -2,6 +2,7 @@
 // heard. Called by the screen at every tick. Thread: main; no call waits for anything.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -35,6 +36,10 @@ class Microphones {
 
   // Those that can be chosen now, in the system's order.
   [[nodiscard]] virtual std::vector<Microphone> connected() const = 0;
+
+  // Another number as soon as the name in use or the connected ones are others. They change a few
+  // times a day, and are asked for then only.
+  [[nodiscard]] virtual std::uint64_t changes() const = 0;
 
   // Listens to the microphone of that id from now on, as soon as it is there; the empty id follows
   // the system's choice. Sound that has begun goes on when nothing changes.

@@ -1,6 +1,7 @@
 #include "adapters/pulse/DesktopMicrophones.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace endpin {
 namespace {
@@ -69,6 +70,15 @@ std::vector<Microphone> DesktopMicrophones::connected() const {
     microphones.push_back({source.id, source.name});
   }
   return microphones;
+}
+
+std::uint64_t DesktopMicrophones::changes() const {
+  auto sources = server_.sources();
+  std::string name = nameInUse();
+  if (sources != knownSources_ || name != knownName_) ++changes_;
+  knownSources_ = std::move(sources);
+  knownName_ = std::move(name);
+  return changes_;
 }
 
 void DesktopMicrophones::use(const std::string& id) {

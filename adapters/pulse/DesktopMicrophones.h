@@ -3,6 +3,8 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -22,6 +24,7 @@ class DesktopMicrophones final : public Microphones {
   [[nodiscard]] HearingTrouble trouble() const override;
   [[nodiscard]] std::string nameInUse() const override;
   [[nodiscard]] std::vector<Microphone> connected() const override;
+  [[nodiscard]] std::uint64_t changes() const override;
   void use(const std::string& id) override;
 
  private:
@@ -35,6 +38,9 @@ class DesktopMicrophones final : public Microphones {
   std::string chosen_;  // id or name; empty: the system's choice
   const std::string given_;
   mutable bool wasOpen_ = false;
+  mutable std::uint64_t changes_ = 0;
+  mutable std::shared_ptr<const SoundServer::Sources> knownSources_;  // when they were counted last
+  mutable std::string knownName_;
   mutable Clock::time_point opening_{};  // since when it opens; the beginning of time: it does not
 };
 

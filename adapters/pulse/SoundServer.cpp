@@ -147,10 +147,11 @@ void SoundServer::onSink(pa_context*, const pa_sink_info* sink, int end, void* s
 }
 
 void SoundServer::publish(Sources sources) {
+  known_ = true;
+  if (*sources_ == sources) return;  // it is written on this thread only
   auto published = std::make_shared<const Sources>(std::move(sources));
   const std::lock_guard lock(mutex_);
   sources_ = std::move(published);
-  known_ = true;
 }
 
 std::shared_ptr<const SoundServer::Sources> SoundServer::sources() const {

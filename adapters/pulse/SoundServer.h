@@ -32,10 +32,12 @@ class SoundServer {
     std::string name;    // for people
     bool muted = false;  // or its volume is 0
     bool isDefault = false;
+    bool operator==(const Source&) const = default;
   };
   struct Sources {
     bool connected = false;  // the server answers; what follows is empty otherwise
     std::vector<Source> microphones;
+    bool operator==(const Sources&) const = default;
   };
 
   // Returns at once; the first values arrive when the server answers.
@@ -50,7 +52,8 @@ class SoundServer {
   // Thread: any. Never waits.
   [[nodiscard]] float outputVolume() const { return volume_.load(std::memory_order_relaxed); }
 
-  // As the server told last. Thread: any. Never waits for the server.
+  // As the server told last; the same object as long as that is the same. Thread: any. Never waits
+  // for the server.
   [[nodiscard]] std::shared_ptr<const Sources> sources() const;
 
   // Whether the server has told anything yet, or has been found missing. Thread: any.

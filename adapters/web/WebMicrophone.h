@@ -33,11 +33,15 @@ class WebMicrophone : public AudioInput, public Microphones {
     std::string nameInUse;
     std::vector<Microphone> connected;
   };
-  void tell(Facts facts) { facts_ = std::move(facts); }
+  void tell(Facts facts) {
+    facts_ = std::move(facts);
+    ++changes_;
+  }
 
   [[nodiscard]] HearingTrouble trouble() const override { return facts_.trouble; }
   [[nodiscard]] std::string nameInUse() const override { return facts_.nameInUse; }
   [[nodiscard]] std::vector<Microphone> connected() const override { return facts_.connected; }
+  [[nodiscard]] std::uint64_t changes() const override { return changes_; }
   void use(const std::string& id) override;
 
  private:
@@ -45,6 +49,7 @@ class WebMicrophone : public AudioInput, public Microphones {
 
   Queue* queue_ = nullptr;  // owned by the listener
   Facts facts_;
+  std::uint64_t changes_ = 0;
   double rate_ = 0;  // of the stream, 0 for none
   std::optional<CaptureResampler> resampler_;
   std::vector<std::int16_t> captured_;

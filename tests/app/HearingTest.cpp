@@ -2,7 +2,6 @@
 // spoken; and what happens when the main screen comes back.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <optional>
 
 #include "app/Application.h"
@@ -99,6 +98,13 @@ TEST_F(HearingTest, AStringInTuneIsSpokenOnceUntilItWasLetGo) {
   silence();
   hear(146.8324);
   EXPECT_EQ(spoken, (Strings{"A3 in tune", "D3 in tune", "", "D3 in tune"}));
+  silence();
+  spoken.clear();
+  fake.input.queue->level = {0.1F, 0.1F};
+  fake.runLoop.advance(0.3);
+  EXPECT_EQ(lamp(), "green64.png") << "the next note has begun, and no block of it is there";
+  hear(98);
+  EXPECT_EQ(spoken, Strings{"G2 in tune"});
 }
 
 TEST_F(HearingTest, AMicrophoneIsChosenKeptAndWaitedFor) {
@@ -113,8 +119,15 @@ TEST_F(HearingTest, AMicrophoneIsChosenKeptAndWaitedFor) {
   EXPECT_EQ(fake.microphones.used, Strings{"usb"});
   EXPECT_EQ(fake.settings.unsynchronized, 0);
 
+  const int listings = fake.microphones.listings;
+  fake.runLoop.advance(1);
+  EXPECT_EQ(fake.microphones.listings, listings) << "not at every tick";
   fake.microphones.all.pop_back();
   fake.microphones.inUse = "";
+  ++fake.microphones.changed;
+  fake.runLoop.advance(0.1);
+  EXPECT_EQ(screen().microphoneChoices.choices(),
+            "[FollowTheSystem]\nBuilt-in\nClip\t[NotConnected]");
   start();
   EXPECT_EQ(fake.microphones.used, (Strings{"usb", "usb"})) << "before it listens";
   EXPECT_EQ(screen().microphoneChoices.choices(),
