@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -9,7 +10,7 @@
 #include <cmath>
 
 #include "adapters/cli11/ParseArguments.h"
-#include "adapters/sqlite/StorePath.h"
+#include "adapters/sqlite/SqliteStore.h"
 #include "calibration/StringFrequencies.h"
 
 namespace endpin {
@@ -110,7 +111,9 @@ void addListen(CLI::App& app, Arguments& into) {
                    "Calibration in whole hertz, for this run; the settings are left alone")
       ->excludes(store->type_name("PATH"));
   listen->add_flag("--json", options.json, "Print a JSON object for each tick");
-  listen->add_flag("--fine", options.fine, "Listen with fine hearing");
+  listen->add_flag("--fine", options.fine,
+                   "Listen with fine hearing: every string at any calibration, also through a "
+                   "microphone without bass, but not in loud noise");
   listen->add_flag("--verbose", options.verbose, "Write the log to standard error");
   device->excludes(input);
 }

@@ -5,9 +5,9 @@
 #include <memory>
 #include <optional>
 
-#include "adapters/cli11/InputFile.h"
+#include "adapters/cli11/ParseArguments.h"
 #include "adapters/cubeb/CubebMicrophone.h"
-#include "adapters/cubeb/CubebPlayers.h"
+#include "adapters/cubeb/CubebOutput.h"
 #include "adapters/cubeb/InputDevices.h"
 #include "adapters/log/Logs.h"
 #include "adapters/offline/FileMicrophone.h"
@@ -90,28 +90,34 @@ class LiveView {
  private:
   using Clock = std::chrono::steady_clock;
 
-  // Whether the microphone is open now; throws when it will not be.
+  // Whether the microphone is open now; throws when it will not be, in the words of the screen,
+  // which come half a second after the fact.
   bool waitForOpening(const MicrophoneStatus& status) {
-    if (status.state == State::Missing) throw NoMicrophone(status.text);
     wasOpen_ = status.state == State::Open;
-    if (wasOpen_) printer_->begin(status.text, session_.controller().calibration().a4InHz());
-    if (!wasOpen_ && Clock::now() > begin_ + kOpeningLimit) {
+    if (wasOpen_) {
+      printer_->begin(status.text, session_.controller().calibration().a4InHz());
+    } else if (status.state == State::Missing && !trouble().empty()) {
+      throw NoMicrophone(fmt::format("{} ({})", trouble(), status.text));
+    } else if (Clock::now() > begin_ + kOpeningLimit) {
       throw NoMicrophone("the sound server does not answer");
     }
     return wasOpen_;
   }
 
+  // What is wrong with the microphone and its remedy; empty when nothing is.
+  [[nodiscard]] std::string trouble() const {
+    const ViewController& screen = session_.controller();
+    const std::string& title = screen.troubleTitle.text();
+    return title.empty() ? title : title + ": " + screen.troubleRemedy.text();
+  }
+
   // Says once why nothing can be heard, in the words of the screen, and once that it is over.
   void followTrouble(const MicrophoneStatus& status) {
-    const ViewController& screen = session_.controller();
-    if (screen.troubleTitle.text() == trouble_) return;
-    trouble_ = screen.troubleTitle.text();
+    if (trouble() == told_) return;
+    told_ = trouble();
     printer_->makeRoom();
-    if (trouble_.empty()) {
-      fmt::print(stderr, "endpin-cli: listening again: {}\n", status.text);
-    } else {
-      fmt::print(stderr, "endpin-cli: {}: {}\n", trouble_, screen.troubleRemedy.text());
-    }
+    fmt::print(stderr, "endpin-cli: {}\n",
+               told_.empty() ? "listening again: " + status.text : told_);
   }
 
   const CubebMicrophone& microphone_;
@@ -120,7 +126,7 @@ class LiveView {
   const Clock::time_point begin_ = Clock::now();
   std::uint64_t ticks_ = 0;
   bool wasOpen_ = false;
-  std::string trouble_;  // as told last
+  std::string told_;  // the trouble, as told last
 };
 
 // Throws NoMicrophone when there is none at the start, ProgramError when the output fails.

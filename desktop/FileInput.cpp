@@ -1,6 +1,6 @@
 #include "desktop/FileInput.h"
 
-#include "adapters/cli11/InputFile.h"
+#include "adapters/cli11/ParseArguments.h"
 
 namespace endpin {
 namespace {

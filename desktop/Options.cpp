@@ -2,13 +2,17 @@
 
 #include <fmt/format.h>
 
+#include <CLI/CLI.hpp>
 #include <QStringList>
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <filesystem>
+#include <vector>
 
+#include "adapters/bundle/FileBundle.h"
 #include "adapters/cli11/ParseArguments.h"
-#include "adapters/sqlite/StorePath.h"
+#include "adapters/sqlite/SqliteStore.h"
 
 namespace endpin {
 namespace {
@@ -97,6 +101,17 @@ Options checked(Arguments arguments) {
   return options;
 }
 
+std::vector<std::string> languagesIn(const std::string& resourcePath) {
+  std::vector<std::string> tags;
+  std::error_code missing;
+  for (const auto& file :
+       std::filesystem::directory_iterator(resourcePath + "/texts/Localizable", missing)) {
+    if (file.path().extension() == ".json") tags.push_back(file.path().stem());
+  }
+  std::sort(tags.begin(), tags.end());
+  return tags;
+}
+
 }  // namespace
 
 std::variant<Options, PrintText> parseOptions(int argc, const char* const* argv) {
@@ -108,6 +123,15 @@ std::variant<Options, PrintText> parseOptions(int argc, const char* const* argv)
   rejectEmptyTexts(app);
   if (arguments.listDevices) return PrintText{deviceTable()};
   return checked(std::move(arguments));
+}
+
+std::string chooseLanguage(const std::string& wanted, const std::string& resourcePath) {
+  if (wanted.empty()) return environmentLanguage(resourcePath);
+  const std::string tag = languageTag(wanted);
+  if (hasTexts(resourcePath, tag) && wanted != "C" && wanted != "POSIX") return tag;
+  throw ProgramError(kExitUsage,
+                     fmt::format("there are no texts in the language \"{}\", only in {}", wanted,
+                                 fmt::join(languagesIn(resourcePath), ", ")));
 }
 
 }  // namespace endpin

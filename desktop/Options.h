@@ -30,4 +30,10 @@ struct Options {
 // Before the application object: it changes the locale that numbers are read by.
 [[nodiscard]] std::variant<Options, PrintText> parseOptions(int argc, const char* const* argv);
 
+// The tag of the language to use: the wanted one, or the system's when none is wanted. A wanted
+// language of which there are no texts under `resourcePath` throws ProgramError; a region that we
+// do not know is fine.
+[[nodiscard]] std::string chooseLanguage(const std::string& wanted,
+                                         const std::string& resourcePath);
+
 }  // namespace endpin

@@ -7,7 +7,6 @@
 #include "adapters/cli11/ProgramError.h"
 #include "adapters/cubeb/CubebMicrophone.h"
 #include "adapters/cubeb/CubebOutput.h"
-#include "adapters/cubeb/CubebPlayers.h"
 #include "adapters/log/Logs.h"
 #include "adapters/offline/MemoryStore.h"
 #include "adapters/posix/SystemNetwork.h"
@@ -20,7 +19,6 @@
 #include "desktop/AppLifecycle.h"
 #include "desktop/FileInput.h"
 #include "desktop/GuiStart.h"
-#include "desktop/Language.h"
 #include "desktop/Options.h"
 #include "ports/Platform.h"
 

@@ -1,5 +1,6 @@
 #include "adapters/cli11/ParseArguments.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 
 namespace endpin {

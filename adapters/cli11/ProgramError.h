@@ -19,7 +19,7 @@ struct PrintText {
 // One line: control characters, such as the line ends in a file's name, become '?'.
 [[nodiscard]] inline std::string printable(std::string text) {
   std::replace_if(
-      text.begin(), text.end(), [](char c) { return c >= '\0' && c < ' '; }, '?');
+      text.begin(), text.end(), [](unsigned char c) { return c < ' '; }, '?');
   return text;
 }
 

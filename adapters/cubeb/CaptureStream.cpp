@@ -36,7 +36,8 @@ void noteDevices(cubeb* /*context*/, void* user) {
 
 }  // namespace
 
-std::unique_ptr<CaptureStream> CaptureStream::open(const std::string& wanted, const WakeUp& heard,
+std::unique_ptr<CaptureStream> CaptureStream::open(const std::string& wanted,
+                                                   const ThreadWakeUp& heard,
                                                    const SupervisedStream& owner,
                                                    std::string& reason) {
   std::unique_ptr<CaptureStream> stream(new CaptureStream(wanted));
@@ -69,7 +70,7 @@ bool CaptureStream::choose() {
   return chosen != nullptr;
 }
 
-bool CaptureStream::start(const WakeUp& heard, const SupervisedStream& owner) {
+bool CaptureStream::start(const ThreadWakeUp& heard, const SupervisedStream& owner) {
   const std::uint32_t rate = device_.rate > 0 ? device_.rate : kUsualRate;
   state_ = std::make_shared<StreamState>(rate, heard, owner);
   // Not every sound system tells of devices; then a stream that fails is all there is to go by.

@@ -66,7 +66,7 @@ class SampleRing {
 // stream, however long the library takes to let go of that.
 struct StreamState {
   // Room for a second of sound.
-  StreamState(std::uint32_t deviceRate, const WakeUp& wakeUp, const SupervisedStream& stream)
+  StreamState(std::uint32_t deviceRate, const ThreadWakeUp& wakeUp, const SupervisedStream& stream)
       : rate(deviceRate), heard(wakeUp), owner(stream), ring(deviceRate) {}
 
   // Nothing will come any more: both sides are told. Thread: any. Realtime-safe: yes.
@@ -77,7 +77,7 @@ struct StreamState {
   }
 
   const std::uint32_t rate;  // hertz
-  const WakeUp& heard;
+  const ThreadWakeUp& heard;
   const SupervisedStream& owner;
   SampleRing ring;
   std::atomic<bool> failed = false;
@@ -92,7 +92,7 @@ class CaptureStream {
   // `heard` is signalled when samples came and when the stream failed, and `owner` is asked to
   // check when it failed or a device came or went; both outlive the stream. Null when there is none
   // or it cannot be opened; `reason` then says so.
-  static std::unique_ptr<CaptureStream> open(const std::string& wanted, const WakeUp& heard,
+  static std::unique_ptr<CaptureStream> open(const std::string& wanted, const ThreadWakeUp& heard,
                                              const SupervisedStream& owner, std::string& reason);
   ~CaptureStream();
   CaptureStream(const CaptureStream&) = delete;
@@ -113,7 +113,7 @@ class CaptureStream {
 
   [[nodiscard]] bool connect();
   [[nodiscard]] bool choose();
-  [[nodiscard]] bool start(const WakeUp& heard, const SupervisedStream& owner);
+  [[nodiscard]] bool start(const ThreadWakeUp& heard, const SupervisedStream& owner);
   [[nodiscard]] std::string whyNoDevice() const;
   [[nodiscard]] bool followsDefault() const { return wanted_.empty() && device_.isDefault; }
 

@@ -23,7 +23,7 @@ using Clock = std::chrono::steady_clock;
 using State = MicrophoneStatus::State;
 
 constexpr auto kFirstSound = 3s;     // some devices take their time to begin
-constexpr auto kNextSound = 1500ms;  // silence has samples too: none at all means a dead stream
+constexpr auto kNextSound = 1300ms;  // silence has samples too: none at all means a dead stream
 
 }  // namespace
 
@@ -81,7 +81,7 @@ class CubebMicrophone::Device : public SupervisedStream {
     return std::exchange(news_, {});
   }
 
-  const WakeUp heard;  // signalled when samples or any of the above are new
+  const ThreadWakeUp heard;  // signalled when samples or any of the above are new
 
  private:
   Outcome publishOpen() {

@@ -81,14 +81,12 @@ class CubebOutputUnit : public AudioOutputUnit {
   AudioStatus initialize() override {
     if (gate_ || rate_ == 0 || !callback_) return CUBEB_ERROR;
     gate_ = std::make_shared<RenderGate>(callback_, userData_);
+    supervisor_.emplace(std::make_shared<ToneStream>(rate_, gate_));
     return CUBEB_OK;
   }
 
   AudioStatus start() override {
     if (!gate_) return CUBEB_ERROR;
-    // A unit is made at each appearance of the screen, and most never sound: a thread is for those
-    // that do.
-    if (!supervisor_) supervisor_.emplace(std::make_shared<ToneStream>(rate_, gate_));
     if (supervisor_->wanted()) gate_->dip();
     gate_->mute(false);
     supervisor_->open();
@@ -99,7 +97,7 @@ class CubebOutputUnit : public AudioOutputUnit {
   AudioStatus stop() override {
     if (!gate_) return CUBEB_ERROR;
     gate_->mute(true);
-    if (supervisor_) supervisor_->close();
+    supervisor_->close();
     return CUBEB_OK;
   }
 

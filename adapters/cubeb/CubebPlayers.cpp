@@ -1,4 +1,4 @@
-#include "adapters/cubeb/CubebPlayers.h"
+#include "adapters/cubeb/CubebOutput.h"
 
 #include <algorithm>
 #include <array>

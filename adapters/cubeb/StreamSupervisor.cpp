@@ -1,5 +1,6 @@
 #include "adapters/cubeb/StreamSupervisor.h"
 
+#include <thread>
 #include <utility>
 
 namespace endpin {
@@ -15,14 +16,18 @@ constexpr auto kRetryInterval = 500ms;
 }  // namespace
 
 void StreamSupervisor::Control::run() {
-  while (!quit) {
-    if (wanted) {
-      keepOpen();
-      stream->close();
-    } else {
-      stream->wakeUp_.waitUntil(Clock::time_point::max());
-    }
+  while (goOn()) {
+    keepOpen();
+    stream->close();
   }
+}
+
+// Decided under the lock, so that an order given meanwhile is either seen or finds no thread.
+bool StreamSupervisor::Control::goOn() {
+  const std::lock_guard lock(mutex);
+  running = !idle();
+  if (!running) ended.notify_all();
+  return running;
 }
 
 // A stream that fails is opened anew at once, one that cannot be opened after a while.
@@ -45,21 +50,22 @@ void StreamSupervisor::Control::retryLater() const {
 
 StreamSupervisor::StreamSupervisor(std::shared_ptr<SupervisedStream> stream,
                                    std::chrono::milliseconds patience)
-    : patience_(patience), control_(std::make_shared<Control>(std::move(stream))) {
-  std::packaged_task<void()> task([control = control_] { control->run(); });
-  ended_ = task.get_future();
-  thread_ = std::thread(std::move(task));
-}
+    : patience_(patience), control_(std::make_shared<Control>(std::move(stream))) {}
 
 StreamSupervisor::~StreamSupervisor() {
   control_->quit = true;
   control_->stream->checkSoon();
-  const bool ended = ended_.wait_for(patience_) == std::future_status::ready;
-  ended ? thread_.join() : thread_.detach();
+  std::unique_lock lock(control_->mutex);
+  control_->ended.wait_for(lock, patience_, [this] { return !control_->running; });
 }
 
 void StreamSupervisor::open() {
-  if (!control_->wanted.exchange(true)) control_->stream->checkSoon();
+  if (control_->wanted.exchange(true)) return;
+  control_->stream->checkSoon();
+  const std::lock_guard lock(control_->mutex);
+  if (control_->running) return;
+  control_->running = true;
+  std::thread([control = control_] { control->run(); }).detach();
 }
 
 void StreamSupervisor::close() {

@@ -1,14 +1,15 @@
 // Keeps something open that the sound system can take away: opens it when it is wanted, looks after
 // it, opens it again when it failed, closes it when it is wanted no more. All of that happens on a
 // control thread of its own, because a sound server that hangs makes every call to the library
-// hang. Nobody else ever waits for it.
+// hang. Nobody else ever waits for it. The thread ends when all is closed: output units that were
+// replaced stay for as long as the application, and cost nothing.
 #pragma once
 
 #include <atomic>
 #include <chrono>
-#include <future>
+#include <condition_variable>
 #include <memory>
-#include <thread>
+#include <mutex>
 #include <utility>
 
 #include "adapters/posix/WakeUp.h"
@@ -38,7 +39,7 @@ class SupervisedStream {
 
  private:
   friend class StreamSupervisor;
-  const WakeUp wakeUp_;
+  const ThreadWakeUp wakeUp_;
 };
 
 class StreamSupervisor {
@@ -67,17 +68,19 @@ class StreamSupervisor {
     const std::shared_ptr<SupervisedStream> stream;
     std::atomic<bool> wanted = false;
     std::atomic<bool> quit = false;
+    std::mutex mutex;      // of what follows; never held during a call of the library
+    bool running = false;  // there is a thread, and it will still see what is wanted
+    std::condition_variable ended;
 
     void run();
     void keepOpen();
     void retryLater() const;
     [[nodiscard]] bool idle() const { return quit || !wanted; }
+    bool goOn();
   };
 
   const std::chrono::milliseconds patience_;
   const std::shared_ptr<Control> control_;
-  std::future<void> ended_;
-  std::thread thread_;
 };
 
 }  // namespace endpin

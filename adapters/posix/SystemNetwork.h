@@ -21,7 +21,7 @@ namespace endpin {
 class SystemNetwork final : public Reachability, public Probes {
  public:
   // Where it is not `allowed`, there is no network and nothing is sent. `userAgent` is how the
-  // request introduces itself: "Endpin/1.0.0".
+  // request introduces itself: "Endpin/1.1.0".
   SystemNetwork(bool allowed, std::string userAgent);
 
   // Reachable or 0; nothing when the system has no socket left or refuses the question. The address

@@ -43,13 +43,31 @@ void WakeUp::signal() const noexcept {
   errno = savedError;
 }
 
-void WakeUp::waitUntil(Steady::time_point time) const {
-  if (waitReadable({descriptor_}, time)) take();
-}
-
 void WakeUp::take() const noexcept {
   std::uint64_t signals = 0;
   [[maybe_unused]] const auto size = read(descriptor_, &signals, sizeof signals);
+}
+
+ThreadWakeUp::ThreadWakeUp() {
+  sem_init(&signals_, 0, 0);
+}
+
+ThreadWakeUp::~ThreadWakeUp() {
+  sem_destroy(&signals_);
+}
+
+void ThreadWakeUp::signal() const noexcept {
+  sem_post(&signals_);
+}
+
+void ThreadWakeUp::waitUntil(Steady::time_point time) const {
+  const auto sinceStart = time.time_since_epoch();
+  const auto whole = std::chrono::floor<std::chrono::seconds>(sinceStart);
+  const timespec until{whole.count(), (sinceStart - whole).count()};
+  while (sem_clockwait(&signals_, CLOCK_MONOTONIC, &until) != 0) {
+    if (errno != EINTR) return;
+  }
+  while (sem_trywait(&signals_) == 0) continue;
 }
 
 bool waitReadable(std::initializer_list<int> descriptors, Steady::time_point time) {

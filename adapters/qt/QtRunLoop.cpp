@@ -14,8 +14,12 @@ QtRunLoop::QtRunLoop() {
   QObject::connect(&timer_, &QTimer::timeout, &mainThread_, [this] { runDue(); });
 }
 
+// Begins a tenth of the interval later at most, in step with others: every appearance of the screen
+// leaves a timer behind, and hundreds of them must not wake the processor one by one.
 RunLoop::TimerId QtRunLoop::scheduleTimer(double seconds, Call fire) {
-  const TimerId timer = timerQueue_.addTimer(now(), seconds, std::move(fire));
+  const double step = std::max(seconds, 0.001) / 10;
+  const double begin = std::ceil(now() / step) * step;
+  const TimerId timer = timerQueue_.addTimer(begin, seconds, std::move(fire));
   waitForNext();
   return timer;
 }

@@ -3,15 +3,15 @@
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 #include <sqlite3.h>
+#include <sys/stat.h>
 
 #include <array>
 #include <cctype>
+#include <cerrno>
 #include <cmath>
 #include <ctime>
 #include <string_view>
 #include <system_error>
-
-#include "adapters/sqlite/StorePath.h"
 
 namespace endpin {
 namespace {
@@ -22,6 +22,15 @@ constexpr int kBusyMilliseconds = 250;  // another program of ours writes for fa
 
 // Names of the types in the file, in the order of SettingValue.
 constexpr std::array<std::string_view, 4> kTypes = {"boolean", "integer", "floating", "string"};
+
+// Makes the folder and those above it that are missing, for the user alone.
+std::error_code makePrivateFolder(const fs::path& folder) {
+  std::error_code failed;
+  if (folder.empty() || fs::is_directory(folder, failed)) return {};
+  if (const auto above = makePrivateFolder(folder.parent_path())) return above;
+  if (mkdir(folder.c_str(), S_IRWXU) == 0 || errno == EEXIST) return {};
+  return {errno, std::generic_category()};
+}
 
 struct FinalizeStatement {
   void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }

@@ -1,8 +1,34 @@
 #include "adapters/sqlite/SqliteStore.h"
 
+#include <pwd.h>
+#include <unistd.h>
+
+#include <cstdlib>
 #include <utility>
 
 namespace endpin {
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path homeFolder() {
+  const char* home = std::getenv("HOME");
+  if (home && *home) return home;
+  const passwd* user = getpwuid(getuid());
+  return user ? user->pw_dir : "/";
+}
+
+fs::path dataFolder() {
+  const char* folder = std::getenv("XDG_DATA_HOME");
+  if (folder && fs::path(folder).is_absolute()) return folder;
+  return homeFolder() / ".local" / "share";
+}
+
+}  // namespace
+
+fs::path defaultStorePath() {
+  return dataFolder() / "endpin" / "settings.db";
+}
 
 SqliteStore::SqliteStore(const std::filesystem::path& path, Log& log)
     : file_(path, log), values_(file_.takeLoaded()) {}

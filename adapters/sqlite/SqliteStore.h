@@ -13,6 +13,10 @@
 
 namespace endpin {
 
+// Where the settings are kept: settings.db in the user's data folder, $XDG_DATA_HOME/endpin, or
+// ~/.local/share/endpin when that is not set or not absolute.
+[[nodiscard]] std::filesystem::path defaultStorePath();
+
 class SqliteStore final : public TypedStore {
  public:
   // Reads the file at `path`. Whatever is wrong with it is one line in `log`, which outlives the

@@ -168,29 +168,60 @@ TEST(RenderGateTest, ShutsWhileTheAudioThreadRuns) {
 }
 
 // The library closes the stream when it comes to it; until then it asks for sound.
-TEST(OutputUnitTest, RendersNoMoreAfterItsEndHoweverLongTheLibraryGoesOn) {
+TEST(SoundOutTest, NobodyWaitsForALibraryThatHangsAndNothingSoundsAfterTheEnd) {
   fakes::FakeSoundLibrary& library = fakes::soundLibrary;
   AudioStreamFormat stereo = kCaptureFormat;
   stereo.mSampleRate = 44100.0;
   stereo.mBytesPerFrame = 4;
   stereo.mChannelsPerFrame = 2;
-  int calls = 0;
-  auto unit = CubebOutput().newOutputUnit();
-  ASSERT_EQ(unit->setStreamFormat(stereo), 0);
-  ASSERT_EQ(unit->setRenderCallback(countCalls, &calls), 0);
-  ASSERT_EQ(unit->initialize(), 0);
-  unit->start();
-  std::array<std::uint32_t, 64> words{};
-  ASSERT_TRUE(soon(1s, [&] { return library.render(words); }));
-  EXPECT_EQ(calls, 1);
+  for (const bool hangsFirst : {false, true}) {
+    int calls = 0;
+    auto unit = CubebOutput().newOutputUnit();
+    ASSERT_EQ(unit->setStreamFormat(stereo), 0);
+    ASSERT_EQ(unit->setRenderCallback(countCalls, &calls), 0);
+    ASSERT_EQ(unit->initialize(), 0);
+    library.hang(hangsFirst);
+    unit->start();
+    std::array<std::uint32_t, 64> words{};
+    ASSERT_TRUE(hangsFirst || soon(1s, [&] { return library.render(words); }));
+    library.hang(true);
+    const int before = calls;
+    EXPECT_EQ(before, hangsFirst ? 0 : 1);
+    auto beep = CubebPlayers().playerWithContentsOf(ENDPIN_BEEP);
+    ASSERT_TRUE(beep);
+    const auto begin = Clock::now();
+    unit->stop();
+    unit->start();
+    beep->play();
+    EXPECT_TRUE(soon(1s, [&] { return library.contexts == 2; })) << "both wait";
+    beep.reset();
+    unit.reset();
+    EXPECT_LT(Clock::now() - begin, 1500ms);
+    words.fill(7);
+    EXPECT_EQ(library.render(words), !hangsFirst);
+    EXPECT_TRUE(hangsFirst || std::ranges::count(words, 0U) == 64) << "silence";
+    library.hang(false);
+    EXPECT_TRUE(soon(3s, [&] { return library.contexts == 0; }));
+    EXPECT_EQ(calls, before);
+  }
+}
+
+TEST(SoundOutTest, ABeepThatComesTooLateIsDropped) {
+  fakes::FakeSoundLibrary& library = fakes::soundLibrary;
+  const auto beep = CubebPlayers().playerWithContentsOf(ENDPIN_BEEP);
+  const auto sounds = [&] {
+    std::array<std::uint32_t, 64> words{};
+    return library.render(words) && std::ranges::count(words, 0U) < 64;
+  };
   library.hang(true);
-  unit.reset();
-  words.fill(7);
-  EXPECT_TRUE(library.render(words));
-  EXPECT_EQ(calls, 1);
-  EXPECT_EQ(std::ranges::count(words, 0U), 64) << "silence";
+  beep->play();
+  std::this_thread::sleep_for(600ms);
   library.hang(false);
-  EXPECT_TRUE(soon(3s, [&] { return library.contexts == 0; }));
+  EXPECT_FALSE(soon(400ms, sounds)) << "half a second has passed";
+  EXPECT_TRUE(soon(5s, [&] {
+    beep->play();
+    return sounds();
+  })) << "the next one";
 }
 
 TEST(SampleRing, HandsOverEverySampleInOrderOrCountsIt) {

@@ -1,13 +1,13 @@
 // Tone and beep through a real sound server of the test's own, heard from its speaker; and what
-// becomes of them when that server dies or hangs.
+// becomes of them when that server dies.
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <filesystem>
 #include <fstream>
 #include <thread>
 
 #include "adapters/cubeb/CubebOutput.h"
-#include "adapters/cubeb/CubebPlayers.h"
 #include "audio/CaptureFormat.h"
 #include "calibration/ToneSynthesizer.h"
 #include "tests/fakes/AllocationCounter.h"
@@ -97,14 +97,6 @@ class SoundOut : public ::testing::Test {
     return ToneSynthesizer::renderTone(&self->synthesizer_, frames, buffers);
   }
 
-  // Runs a duty of the main thread, which may never wait for the server.
-  template <typename Duty>
-  static void expectPrompt(const char* what, Duty duty) {
-    const auto start = Clock::now();
-    duty();
-    EXPECT_LT(secondsSince(start), 3.0) << what;  // a hung server lets one wait for 30
-  }
-
   PrivateSoundServer server_;
   ToneSynthesizer synthesizer_;
   std::atomic<int> calls_ = 0;
@@ -112,8 +104,17 @@ class SoundOut : public ::testing::Test {
   std::unique_ptr<AudioPlayer> beep_ = CubebPlayers().playerWithContentsOf(ENDPIN_BEEP);
 };
 
+// Threads and descriptors of this process.
+std::ptrdiff_t belongings() {
+  const auto entries = [](const char* folder) {
+    return std::distance(std::filesystem::directory_iterator(folder), {});
+  };
+  return entries("/proc/self/task") + entries("/proc/self/fd");
+}
+
 TEST_F(SoundOut, ToneSoundsAtItsPitchAndLevelUntilItIsStopped) {
   Recording recording(server_);
+  const auto belongingsBefore = belongings();
   unit_->start();
   unit_->start();
   ASSERT_TRUE(recording.hears(3s));
@@ -128,6 +129,8 @@ TEST_F(SoundOut, ToneSoundsAtItsPitchAndLevelUntilItIsStopped) {
   const int calls = calls_;
   EXPECT_EQ(peak(recording.next(0.3)), 0.0);
   EXPECT_EQ(calls_, calls);
+  // Units that were replaced stay until the end: one for each time that the settings were closed.
+  EXPECT_TRUE(soon(3s, [&] { return belongings() == belongingsBefore; })) << "it keeps something";
   unit_->start();
   EXPECT_TRUE(Recording(server_).hears(3s)) << "it does not start again";
 }
@@ -138,19 +141,16 @@ TEST_F(SoundOut, SoundingAllocatesNothing) {
   ASSERT_TRUE(player);
   unit_->start();
   player->play();
-  std::this_thread::sleep_for(1s);
-  const int calls = calls_;
+  ASSERT_TRUE(soon(3s, [&] { return calls_ > 50; }));
   const std::size_t allocations = fakes::allocationCount();
-  std::this_thread::sleep_for(1s);
+  EXPECT_TRUE(soon(3s, [&] { return calls_ > 100; }));
   EXPECT_EQ(fakes::allocationCount(), allocations);
-  EXPECT_GT(calls_, calls + 10);
 }
 
 TEST_F(SoundOut, ToneGoesOnWhenTheServerIsBackAndFollowsTheDefaultDevice) {
   unit_->start();
   ASSERT_TRUE(Recording(server_).hears(3s));
   server_.kill();
-  std::this_thread::sleep_for(1s);
   const auto back = Clock::now();
   ASSERT_TRUE(server_.start()) << server_.reason();
   Recording recording(server_);
@@ -166,31 +166,6 @@ TEST_F(SoundOut, ToneGoesOnWhenTheServerIsBackAndFollowsTheDefaultDevice) {
   ASSERT_TRUE(server_.control("unload-module module-null-sink")) << "every speaker goes";
   ASSERT_TRUE(server_.control("load-module module-null-sink sink_name=speaker"));
   EXPECT_TRUE(Recording(server_).hears(3s)) << "a speaker that came later";
-}
-
-class SoundOutOfAHungServer : public SoundOut, public ::testing::WithParamInterface<bool> {};
-INSTANTIATE_TEST_SUITE_P(, SoundOutOfAHungServer, ::testing::Bool());
-
-TEST_P(SoundOutOfAHungServer, NobodyWaits) {
-  if (GetParam()) {
-    unit_->start();
-    ASSERT_TRUE(Recording(server_).hears(3s));
-  }
-  server_.freeze();
-  expectPrompt("play", [&] { beep_->play(); });
-  expectPrompt("start and stop", [&] {
-    unit_->start();
-    unit_->stop();
-    unit_->start();
-  });
-  std::this_thread::sleep_for(300ms);
-  expectPrompt("end of the unit", [&] { unit_.reset(); });
-  const int calls = calls_;
-  expectPrompt("end of the player", [&] { beep_.reset(); });
-  server_.thaw();
-  std::this_thread::sleep_for(1s);
-  EXPECT_EQ(calls_, calls) << "rendered after its end";
-  EXPECT_EQ(peak(Recording(server_).next(0.5)), 0.0) << "something sounds on";
 }
 
 TEST_F(SoundOut, BeepSoundsOnceEachTimeAndWholeAndSoon) {
@@ -209,26 +184,6 @@ TEST_F(SoundOut, BeepSoundsOnceEachTimeAndWholeAndSoon) {
     EXPECT_NEAR(peak(heard[0]), peak(file), 0.05 * peak(file));
   }
   EXPECT_LT(soonest, 0.3);
-}
-
-TEST_F(SoundOut, BeepThatComesTooLateIsDropped) {
-  server_.kill();
-  beep_->play();
-  std::this_thread::sleep_for(300ms);
-  ASSERT_TRUE(server_.start()) << server_.reason();
-  Recording recording(server_);
-  EXPECT_EQ(peak(recording.next(1.5)), 0.0) << "asked for before the server came";
-  server_.freeze();
-  beep_->play();
-  std::this_thread::sleep_for(1s);
-  server_.thaw();
-  EXPECT_EQ(peak(recording.next(1.5)), 0.0) << "asked for while the server hung";
-  bool heard = false;  // a busy machine may make one too late as well
-  for (int attempt = 0; attempt < 3 && !heard; ++attempt) {
-    beep_->play();
-    heard = recording.hears(2s);
-  }
-  EXPECT_TRUE(heard) << "the next one";
 }
 
 TEST(SoundOutWithoutServer, WhatCannotBePlayedGivesNoPlayer) {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <array>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -35,13 +34,11 @@ Command endpin(Command arguments);
 // would say little: it stays green until there is silence.
 bool greenAt(int string, const Tick& tick, double a4 = 440.0);
 
-// The least share of the steady ticks that must be in tune when a string is exactly in tune. C2 has
-// to forgive: it lies almost midway between two bins of the spectrum, and of all places where a
-// block of the sampled cello may begin, one in eleven makes the estimator take the upper, outside
-// the band. Such blocks come in twos and threes. A file's blocks always begin at the same places;
-// live ones begin anywhere, and a window of two seconds may hold hardly a good one.
+// The least share of the steady ticks that must be in tune when a string of a file is exactly in
+// tune. C2 has to forgive: it lies almost midway between two bins of the spectrum, and of all
+// places where a block of the sampled cello may begin, one in eleven makes the estimator take the
+// upper, outside the band. Such blocks come in twos and threes.
 inline constexpr double kLeastShareOfFile[4] = {0.95, 0.95, 0.95, 0.6};
-inline constexpr double kLeastShareLive[4] = {0.95, 0.95, 0.95, 0.0};
 
 // In tune, of the ticks from 1.2 s on (the first block ends at 0.6 s and has the attack in it) to
 // `to`, where the note ends.

@@ -74,14 +74,11 @@ class PrivateSoundServer {
   void freeze() { server_->signal(SIGSTOP); }
   void thaw() { server_->signal(SIGCONT); }
   // These return whether they changed what they say.
-  bool removeMicrophone() { return remove("virtmic"); }
+  bool removeMicrophone() {
+    return control("unload-module $(pactl list short modules | grep =virtmic | cut -f1)");
+  }
   bool addMicrophone() {
     return control("load-module " + kMicrophone) && control("set-default-source virtmic");
-  }
-  // Without the speaker the feed of the microphone is the only output left, and gets what plays.
-  bool removeSpeaker() { return remove("speaker"); }
-  bool addSpeaker() {
-    return control("load-module " + kSpeaker) && control("set-default-sink speaker");
   }
 
   const TempDirectory& folder() const { return folder_; }
@@ -99,12 +96,6 @@ class PrivateSoundServer {
   static Command hurried(Command command) {
     command.insert(command.begin(), {"nice", "-n", "-15"});
     return command;
-  }
-
-  // By the number of its module: the speaker and the feed of the microphone are of one kind.
-  bool remove(const std::string& device) {
-    return control("unload-module $(pactl list short modules | grep _name=" + device +
-                   " | cut -f1)");
   }
 
   TempDirectory folder_;  // outlives the server that writes into it

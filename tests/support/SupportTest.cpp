@@ -3,12 +3,10 @@
 
 #include <cmath>
 
-#include "tests/support/PrivateSoundServer.h"
+#include "tests/support/Tone.h"
 
 namespace endpin::testing {
 namespace {
-
-using namespace std::chrono_literals;
 
 TEST(Tone, IsMeasuredFarMoreFinelyThanAnyBand) {
   const struct {
@@ -31,23 +29,6 @@ TEST(Tone, IsMeasuredFarMoreFinelyThanAnyBand) {
     EXPECT_NEAR(cents, 0.0, row.toleranceCents) << row.fundamental;
     for (const double octave : {0.5, 2.0}) EXPECT_EQ(fundamentalOf(heard, octave * guess), 0.0);
   }
-}
-
-// Whoever finds a gap forgives the tuner.
-TEST(Tone, OnlyGapsOfSomeLengthPartASound) {
-  const auto parts = partsBetweenSilences({1000.0, {0, 1, 0, 1, 0, 0, 1, 1, 0, 0}}, 0.002);
-  ASSERT_EQ(parts.size(), 2U);
-  EXPECT_EQ(parts[0].samples, (std::vector<float>{1, 0, 1}));
-  EXPECT_EQ(parts[1].samples, (std::vector<float>{1, 1}));
-}
-
-TEST(SoundServer, AnswersNobodyWhileFrozen) {
-  PrivateSoundServer server;
-  if (!server.start()) GTEST_SKIP() << server.reason();
-  EXPECT_TRUE(server.control("info"));
-  server.freeze();
-  EXPECT_FALSE(runToEnd({"pactl", "info"}, 300ms, server.environment()).exitCode);
-  server.thaw();
 }
 
 }  // namespace
