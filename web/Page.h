@@ -2,7 +2,7 @@
 // the bridge to its screen. One at a time. Thread: main.
 #pragma once
 
-#include "adapters/web/WebBundle.h"
+#include "adapters/offline/SilentOutput.h"
 #include "adapters/web/WebMicrophone.h"
 #include "adapters/web/WebOutput.h"
 #include "adapters/web/WebRunLoop.h"
@@ -48,7 +48,7 @@ class Page {
   WebDevice device_;
   WebRunLoop runLoop_;
   WebMicrophone microphone_;
-  WebSession session_;
+  OfflineSession session_;  // a browser tells no volume: it counts as full
   WebPlayers players_;
   WebOutput output_;
   Platform platform_{.audioInput = microphone_,

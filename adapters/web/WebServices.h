@@ -1,14 +1,17 @@
-// The small duties of a page: log, beep, session, device. Thread: main.
+// The small duties of a page: log, texts, beep, device. Thread: main.
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "adapters/offline/FixedDevice.h"
+#include "adapters/web/Exchange.h"
 #include "adapters/web/Host.h"
 #include "ports/AudioPlayer.h"
-#include "ports/AudioSession.h"
+#include "ports/Bundle.h"
 #include "ports/Log.h"
 
 namespace endpin {
@@ -16,6 +19,30 @@ namespace endpin {
 class WebLog : public Log {
  public:
   void line(std::string_view text) override { host::log(text.data(), text.size()); }
+};
+
+// The texts, which the page has loaded in the user's language.
+class WebBundle : public Bundle {
+ public:
+  // Relative to the page.
+  [[nodiscard]] std::string resourcePath() const override { return "resources"; }
+
+  [[nodiscard]] std::string localizedString(std::string_view key, std::string_view value,
+                                            std::string_view table) const override {
+    const auto length = host::text(key.data(), key.size(), table.data(), table.size());
+    return exchangedText(length).value_or(std::string(value.empty() ? key : value));
+  }
+
+  // "CFBundleVersion", "CFBundleDisplayName" and "CFBundleName". The names are not translated.
+  [[nodiscard]] std::optional<std::string> infoValue(std::string_view key) const override {
+    if (key == "CFBundleVersion") return ENDPIN_VERSION;
+    if (key == "CFBundleDisplayName" || key == "CFBundleName") return "Endpin";
+    return std::nullopt;
+  }
+  [[nodiscard]] std::optional<std::string> localizedInfoValue(
+      std::string_view /*key*/) const override {
+    return std::nullopt;
+  }
 };
 
 // The page has the sounds: every path gives a player.
@@ -34,18 +61,6 @@ class WebPlayers : public AudioPlayers {
    private:
     const std::string path_;
   };
-};
-
-// The browser grants what it grants when the page asks for the microphone, and tells no volume: it
-// counts as full.
-class WebSession : public AudioSession {
- public:
-  Error setCategory(AudioSessionCategory /*category*/, std::uint32_t /*options*/) override {
-    return std::nullopt;
-  }
-  Error setMode(AudioSessionMode /*mode*/) override { return std::nullopt; }
-  Error setActive(bool /*active*/) override { return std::nullopt; }
-  [[nodiscard]] float outputVolume() const override { return 1.0F; }
 };
 
 class WebDevice : public FixedDevice {
