@@ -11,11 +11,33 @@
 #include "adapters/qt/LayoutWindow.h"
 #include "app/Application.h"
 #include "tests/fakes/FakePlatform.h"
-#include "tests/qt/FindItem.h"
 
 namespace endpin {
 
-class LayoutFixture : public ::testing::TestWithParam<DeviceModel> {
+// The first visible item of that name or, without one, with that action, panel or caption.
+inline QQuickItem* findItem(QQuickItem& item, const QString& wanted) {
+  for (const char* property : {"objectName", "action", "panel", "modelData"}) {
+    if (item.property(property) == wanted && item.isVisible()) return &item;
+  }
+  for (QQuickItem* child : item.childItems()) {
+    if (QQuickItem* found = findItem(*child, wanted)) return found;
+  }
+  return nullptr;
+}
+inline QQuickItem& itemIn(QQuickItem& root, const QString& wanted) {
+  QQuickItem* found = findItem(root, wanted);
+  if (!found) throw std::runtime_error("nothing visible is called " + wanted.toStdString());
+  return *found;
+}
+
+struct OnFakes {
+  fakes::FakePlatform fake;
+  fakes::FakeLog faults;
+  Application application{fake.platform, false};
+  ViewController& controller = application.controller();
+};
+
+class LayoutFixture : protected OnFakes, public ::testing::TestWithParam<DeviceModel> {
  protected:
   LayoutFixture() {
     fake.device.height = model.height;
@@ -27,11 +49,7 @@ class LayoutFixture : public ::testing::TestWithParam<DeviceModel> {
 
   static void settle() { QTest::qWait(5); }
 
-  QQuickItem& item(const QString& wanted) {
-    QQuickItem* found = findItem(*window.root(), wanted);
-    if (!found) throw std::runtime_error("nothing visible is called " + wanted.toStdString());
-    return *found;
-  }
+  QQuickItem& item(const QString& wanted) { return itemIn(*window.root(), wanted); }
   // Presses an item, by default its middle; across and down from 0 to 1. A panel that scrolls shows
   // it first.
   void click(const QString& wanted, double across = 0.5, double down = 0.5) {
@@ -52,10 +70,6 @@ class LayoutFixture : public ::testing::TestWithParam<DeviceModel> {
   const DeviceModel model = GetParam();
   const double height = model.height;
   const bool tablet = model.idiom == InterfaceIdiom::Tablet;
-  fakes::FakePlatform fake;
-  fakes::FakeLog faults;
-  Application application{fake.platform, false};
-  ViewController& controller = application.controller();
   LayoutWindow window{{.model = model}, controller, faults};
 };
 

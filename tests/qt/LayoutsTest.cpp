@@ -196,12 +196,7 @@ INSTANTIATE_TEST_SUITE_P(Devices, LayoutsTest, ::testing::ValuesIn(differentDevi
                            return row.param.layout + std::to_string(height);
                          });
 
-struct LayoutTest : ::testing::Test {
-  fakes::FakePlatform fake;
-  fakes::FakeLog faults;
-  Application application{fake.platform, false};
-  ViewController& controller = application.controller();
-};
+struct LayoutTest : OnFakes, ::testing::Test {};
 
 TEST_F(LayoutTest, ASimulatedDeviceLiesInTheMiddleAndLeavesNothingBehind) {
   LayoutWindow window({.model = desktopDevice()}, controller, faults);

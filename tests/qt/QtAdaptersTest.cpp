@@ -36,6 +36,26 @@ TEST(QtRunLoop, TimersKeepTheirPhaseAndSkipWhatTheyMissed) {
   EXPECT_LT(smallestLateness, 0.02);
 }
 
+TEST(QtRunLoop, TimersOfOneIntervalWakeTogether) {
+  constexpr int kTimers = 100;
+  QtRunLoop loop;
+  int calls = 0;
+  int wakeUps = 0;
+  Clock::time_point last;
+  const auto fire = [&] {
+    const auto now = Clock::now();
+    ++calls;
+    wakeUps += now - last > std::chrono::microseconds(500);
+    last = now;
+  };
+  for (int timer = 0; timer < kTimers; ++timer) {
+    loop.scheduleTimer(0.3, fire);
+    std::this_thread::sleep_for(std::chrono::milliseconds(3));
+  }
+  EXPECT_TRUE(QTest::qWaitFor([&] { return calls >= 3 * kTimers; }));
+  EXPECT_LT(wakeUps, kTimers);
+}
+
 TEST(QtRunLoop, CallsComeInTheOrderOfTheirDueTimesAndOnTheMainThread) {
   QtRunLoop loop;
   std::string order;

@@ -9,20 +9,16 @@
 #include <QScreen>
 #include <QTest>
 #include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
 
-#include "adapters/qt/LayoutWindow.h"
-#include "app/Application.h"
-#include "tests/fakes/FakePlatform.h"
-#include "tests/qt/FindItem.h"
+#include "tests/qt/LayoutFixture.h"
 
 namespace endpin {
 namespace {
 
-struct WindowTest : ::testing::Test {
-  fakes::FakePlatform fake;
-  fakes::FakeLog faults;
-  Application application{fake.platform, false};
-  ViewController& controller = application.controller();
+struct WindowTest : OnFakes, ::testing::Test {
   std::unique_ptr<LayoutWindow> shown;
 
   // A new window with the settings of the last one, as after a restart.
@@ -40,11 +36,7 @@ struct WindowTest : ::testing::Test {
     return *shown;
   }
   QQuickWindow& window() { return shown->window(); }
-  QQuickItem& item(const QString& wanted) {
-    QQuickItem* found = findItem(*shown->root(), wanted);
-    if (!found) throw std::runtime_error("nothing visible is called " + wanted.toStdString());
-    return *found;
-  }
+  QQuickItem& item(const QString& wanted) { return itemIn(*shown->root(), wanted); }
   void open(const char* panel) {
     shown->root()->setProperty("openPanel", panel);
     QTest::qWait(5);
@@ -74,6 +66,7 @@ QRectF inkOf(const QQuickItem& text) {
   QRectF box = inScene(text);
   const double baseline = box.top() + text.baselineOffset();
   box.setTop(baseline - 0.72 * size);
+  box.setWidth(text.property("contentWidth").toDouble());
   box.setBottom(baseline + (lines * text.property("leading").toDouble() + 0.22 * hangs) * size);
   return box;
 }
@@ -137,9 +130,10 @@ struct AnySize : WindowTest, ::testing::WithParamInterface<QSize> {
   void expectApart(std::vector<std::pair<const char*, QRectF>> things) {
     const QQuickItem& lamp = item("LEDDisplay128");
     const double halo = 0.16 * lamp.width();
+    constexpr double kAir = 6;
     const std::pair<const char*, QRectF> others[] = {
         {"caption", inkOf(item("caption"))},
-        {"lamp", inScene(lamp).adjusted(halo, halo, -halo, -halo)},
+        {"lamp", inScene(lamp).adjusted(halo, halo - kAir, -halo, kAir - halo)},
         {"dock", inScene(item("dock"))},
         {"pegs", ofCello(110, 10, 290, 230)},
         {"upper body", ofCello(60, 419, 340, 777)},
@@ -190,18 +184,25 @@ TEST_P(AnySize, NothingIsCutAndNothingOverlaps) {
                {"sign", inScene(item("turnUpTheVolumeTriangleLabel"))}});
 }
 
-// None of the languages has longer words for them.
-TEST_P(AnySize, WhatStandsInPlaceOfNoteAndReadOutFitsToo) {
+TEST_P(AnySize, WhatStandsInPlaceOfNoteAndReadOutFitsInEveryLanguage) {
   controller.noteDisplay.setText("");
   controller.freq_label.setText("");
-  controller.firstNoteHint.setText("Pociągnij smyczkiem po strunie");
-  QTest::qWait(10);
-  expectApart({{"hint", inkOf(item("firstNoteHint"))}});
-  controller.troubleTitle.setText("Nenhum microfone");
-  controller.troubleRemedy.setText(
-      "Eines anschließen oder in den Einstellungen ein anderes wählen");
-  QTest::qWait(10);
-  expectApart({{"trouble", inkOf(item("troubleTitle"))}, {"remedy", inkOf(item("troubleRemedy"))}});
+  for (const auto& file : std::filesystem::directory_iterator(ENDPIN_TEXTS)) {
+    SCOPED_TRACE(file.path().stem().string());
+    const auto texts = nlohmann::json::parse(std::ifstream(file.path()));
+    controller.firstNoteHint.setText(texts["BowAString"]);
+    QCoreApplication::processEvents();
+    expectApart({{"hint", inkOf(item("firstNoteHint"))}, {"dots", inScene(item("waitingDots"))}});
+    for (const std::string trouble : {"NoSound", "NoMicrophone", "NotFound", "Muted"}) {
+      controller.troubleTitle.setText(texts["Trouble" + trouble]);
+      controller.troubleRemedy.setText(texts["Trouble" + trouble + "Remedy"]);
+      QCoreApplication::processEvents();
+      expectApart({{"title", inkOf(item("troubleTitle"))},
+                   {"remedy", inkOf(item("troubleRemedy"))},
+                   {"sign", inScene(item("troubleSign"))}});
+    }
+    controller.troubleTitle.setText("");
+  }
 }
 
 TEST_P(AnySize, EveryTargetIsLargeEnoughAndInside) {
@@ -217,6 +218,23 @@ TEST_P(AnySize, EveryTargetIsLargeEnoughAndInside) {
       EXPECT_TRUE(room.contains(box) || scrolls(*target)) << which;
     }
   }
+}
+
+TEST_P(AnySize, SettingsThatScrollEndWithinARow) {
+  open("settings");
+  window().grabWindow();  // lays everything out
+  bool seenInHalf = false;
+  for (const char* caption :
+       {"microphoneLabel", "micSensitivityLabel", "fineHearingLabel", "soundNotificationLabel",
+        "stringSoundsLabel", "frequencyChartLabel"}) {
+    const QQuickItem& row = *item(caption).parentItem();
+    const QQuickItem* view = &row;
+    while (!view->property("interactive").isValid()) view = view->parentItem();
+    if (!view->property("interactive").toBool()) return;
+    const double seen = inScene(*view).bottom() - inScene(row).top();
+    seenInHalf |= seen > row.height() / 2 + 8 && seen < row.height() + 4;
+  }
+  EXPECT_TRUE(seenInHalf);
 }
 
 TEST_P(AnySize, TheDialogFits) {
@@ -239,10 +257,11 @@ TEST_P(AnySize, TheDialogFits) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Sizes, AnySize,
-                         ::testing::Values(QSize(320, 480), QSize(480, 320), QSize(844, 390),
-                                           QSize(900, 900), QSize(1024, 768), QSize(1366, 1024),
-                                           QSize(1920, 1080), QSize(2560, 1080), QSize(330, 1300),
-                                           QSize(620, 1400), QSize(540, 450), QSize(840, 699)),
+                         ::testing::Values(QSize(320, 480), QSize(480, 320), QSize(600, 400),
+                                           QSize(844, 390), QSize(900, 900), QSize(1024, 768),
+                                           QSize(1366, 1024), QSize(1920, 1080), QSize(2560, 1080),
+                                           QSize(330, 1300), QSize(620, 1400), QSize(540, 450),
+                                           QSize(840, 699)),
                          [](const auto& row) {
                            return std::to_string(row.param.width()) + "x" +
                                   std::to_string(row.param.height());
@@ -352,8 +371,8 @@ TEST_F(WindowTest, TheDockSaysWhatItsPicturesStandFor) {
   start();
   const auto hover = [this](const QPointF& place) {
     QTest::mouseMove(&window(), place.toPoint());
-    QTest::qWait(700);
-    return findItem(*shown->root(), "tooltip");
+    const auto tip = [this] { return findItem(*shown->root(), "tooltip"); };
+    return QTest::qWaitFor(tip, 1500) ? tip() : nullptr;
   };
   const QPointF cell = inScene(item("chart")).center();
   const QQuickItem* tip = hover(cell);

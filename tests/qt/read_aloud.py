@@ -112,7 +112,8 @@ def values_are_told(pyatspi, endpin):
     told = []
 
     def hear(text):
-        told.append(text)
+        if text[-1].isdigit():  # there is no sound service here, which may be told in between
+            told.append(text)
         return len(told) == 2
 
     def move():

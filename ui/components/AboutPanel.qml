@@ -15,11 +15,11 @@ Sheet {
         topPadding: about.metrics.by(14, 20, 26)
 
         FittedText {
-            text: "Endpin"
+            words: "Endpin"
             size: about.metrics.by(30, 34, 42)
             font.family: Theme.serif
             Accessible.role: Accessible.Heading
-            Accessible.name: text
+            Accessible.name: words
         }
         Item { width: 1; height: 8 }
         Rectangle { width: 40; height: 2; radius: 1; color: Theme.brass }
@@ -45,11 +45,11 @@ Sheet {
         Item { width: 1; height: about.metrics.by(10, 14, 16) }
         FittedText {
             room: parent.width
-            text: Texts.of("VersionLine", about.version)
+            words: Texts.of("VersionLine", about.version)
             size: about.metrics.by(14, 15, 18)
             color: Theme.ink2
             Accessible.role: Accessible.StaticText
-            Accessible.name: text
+            Accessible.name: words
         }
     }
 }

@@ -11,7 +11,9 @@ Outlet {
     width: 1
     height: 1
     visible: !hidden && shown
-    onTextChanged: {
+    onTextChanged: speak()
+
+    function speak() {
         shown = false
         again.restart()
     }

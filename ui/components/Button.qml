@@ -1,6 +1,7 @@
 import QtQuick
 
-// A button with a fill; whatever it carries lies on it.
+// A button with a fill, and a picture in its middle if one is named; whatever else it carries lies
+// on it.
 PressControl {
     id: button
 
@@ -8,6 +9,8 @@ PressControl {
     property color pressedFill: Theme.controlPressed
     property color edge: Theme.line
     property real edgeWidth: 1
+    property string icon
+    property real iconSize: 26
 
     radius: 16
     onClicked: activated()
@@ -18,5 +21,11 @@ PressControl {
         color: button.pressed ? button.pressedFill : button.fill
         edgeWidth: button.edgeWidth
         edge: button.edge
+    }
+    Icon {
+        anchors.centerIn: parent
+        visible: button.icon !== ""
+        size: button.iconSize
+        icon: button.icon
     }
 }

@@ -6,16 +6,16 @@ PressControl {
 
     property real size: 17
 
-    width: words.width + 38
+    width: caption.width + 38
     height: 44
     radius: 12
-    name: words.text
+    name: caption.words
     onClicked: activated()
 
     FittedText {
-        id: words
+        id: caption
         anchors.verticalCenter: parent.verticalCenter
-        text: Texts.of("TurnOnFineHearing")
+        words: Texts.of("TurnOnFineHearing")
         size: button.size
         color: button.pressed ? Theme.brassPressed : Theme.brass
         font.weight: Font.Bold

@@ -29,6 +29,7 @@ Item {
         size: hint.metrics.remark
         leading: 1.25
         shrinks: false
+        balanced: true
         color: Theme.ink2
     }
     ByEarButton {
@@ -49,11 +50,11 @@ Item {
         height: 28
         visible: done.running
         Accessible.role: Accessible.Notification
-        Accessible.name: said.text
+        Accessible.name: said.words
         FittedText {
             id: said
             y: 14 - baselineOffset
-            text: Texts.of("FineHearingIsOn")
+            words: Texts.of("FineHearingIsOn")
             size: hint.metrics.remark
             color: Theme.ink2
             Accessible.ignored: true

@@ -12,18 +12,19 @@ Sheet {
 
     title: Texts.of("ChartTitle")
     contentHeight: hint.y + hint.height
+    rows: [strings.y, ...Array.from(strings.children).map(row => row.height), hint.height]
 
     FittedText {
         height: 44
         y: chart.metrics.by(10, 14, 20)
         room: parent.width - 56
         verticalAlignment: Text.AlignVCenter
-        text: chart.temperament === "" ? chart.title : chart.temperament
+        words: chart.temperament === "" ? chart.title : chart.temperament
         size: chart.metrics.temperament
         color: Theme.brass
         font.family: Theme.serif
         Accessible.role: Accessible.Heading
-        Accessible.name: text
+        Accessible.name: words
     }
     PictureOutlet {
         id: picture
@@ -35,7 +36,7 @@ Sheet {
         name: chart.title
     }
     Column {
-        id: rows
+        id: strings
         y: chart.pictureTop + chart.pictureHeight + chart.metrics.by(6, 16, 16)
         Repeater {
             model: [
@@ -59,7 +60,7 @@ Sheet {
     }
     ByEarHint {
         id: hint
-        y: rows.y + rows.height
+        y: strings.y + strings.height
         width: parent.width
         metrics: chart.metrics
         open: chart.open

@@ -33,11 +33,26 @@ Item {
         height: Theme.stringWidths[row.string - 1]
         color: Theme.stringColors[row.string - 1]
     }
-    ByEarMark {
+    LabelOutlet {
         id: mark
+
+        readonly property real reach: row.width - figures.contentWidth - 16  // the widest it may be
+
         objectName: row.markOutlet
         anchors { right: parent.right; verticalCenter: parent.verticalCenter }
-        reach: row.width - figures.contentWidth - 16
+        hidden: true
+        name: ""  // the row speaks it
+        width: contentWidth
+        room: Math.min(reach - 32, ruler.implicitWidth + 1)
         size: row.markSize
+        color: Theme.ink2
+
+        FittedText { id: ruler; visible: false; words: mark.text; size: mark.size }
+        Icon {
+            x: -32
+            anchors.verticalCenter: parent.verticalCenter
+            size: 22
+            icon: "iconEar.png"
+        }
     }
 }

@@ -32,7 +32,7 @@ FocusScope {
             color: Theme.line
         }
     }
-    IconButton {
+    Button {
         x: (strip.width + strip.metrics.sheetContent) / 2 - width
         y: strip.metrics.by(10, 14, 20)
         width: 44

@@ -33,7 +33,7 @@ Rounded {
                   icon: "iconSettings.png", title: "SettingsTitle" },
                 { panel: "about", outlet: "", icon: "iconAbout.png", title: "AboutTitle" }
             ]
-            IconButton {
+            Button {
                 required property var modelData
                 readonly property string panel: modelData.panel
                 objectName: modelData.outlet

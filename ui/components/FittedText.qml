@@ -5,13 +5,18 @@ import QtQuick
 Text {
     id: fitted
 
+    property string words
     property real size: 17
     property real room: 0
     property bool shrinks: true
-    property string whole: text  // before it was broken into lines
+    property bool balanced: false  // no lonely word in the last line
     property real leading: 0  // from line to line in sizes; 0 leaves it to the font
     readonly property real fit: shrinks && room > 0 ? Math.min(1, room / ruler.advanceWidth) : 1
+    readonly property bool wraps: wrapMode !== Text.NoWrap
 
+    function cutsWords(): bool { return breaker.cuts(words, room) }
+
+    text: wraps ? breaker.broken(words, room, balanced) : words
     width: room > 0 ? room : implicitWidth
     wrapMode: room > 0 ? Text.Wrap : Text.NoWrap
     lineHeightMode: leading > 0 ? Text.FixedHeight : Text.ProportionalHeight
@@ -23,9 +28,10 @@ Text {
 
     TextMetrics {
         id: ruler
-        text: fitted.whole
+        text: fitted.words
         font.family: fitted.font.family
         font.weight: fitted.font.weight
         font.pixelSize: Math.round(fitted.size)
     }
+    LineBreaker { id: breaker; font: fitted.font }
 }

@@ -7,12 +7,16 @@ Sheet {
 
     required property bool volumeLow
     property string sounding  // the note whose button was pressed last, until it is stopped
+    property bool warned: false  // of the volume, while the sheet is open
+    signal warning()
 
     title: Texts.of("TuningForkTitle")
     contentHeight: stop.y + stop.height
 
     onOpenChanged: open ? entered.activated() : leave()
+    onVolumeLowChanged: if (open && volumeLow) warned = true  // the screen tells of it
     function leave() {
+        warned = false
         stop.activated()
         left.activated()
     }
@@ -24,7 +28,7 @@ Sheet {
         visible: note.text === ""
         y: fork.metrics.by(42, 50, 56) - baselineOffset
         room: parent.width - 56
-        text: fork.title
+        words: fork.title
         size: fork.metrics.by(28, 34, 40)
         font.family: Theme.serif
         Accessible.ignored: true
@@ -38,6 +42,7 @@ Sheet {
         font.family: Theme.serif
     }
     LabelOutlet {
+        id: frequency
         objectName: "tfFreqLabel"
         x: fork.metrics.flat ? fork.metrics.sheetContent - implicitWidth : -0.035 * size
         y: fork.metrics.flat ? note.y + note.baselineOffset - baselineOffset
@@ -49,9 +54,13 @@ Sheet {
         visible: fork.volumeLow && note.text !== ""
         x: 1.46 * note.size
         y: note.y + note.baselineOffset - 0.644 * note.size + 8
-        width: fork.metrics.sheetContent - x
+        width: (fork.metrics.flat ? frequency.x - 12 : fork.metrics.sheetContent) - x
         height: 5 * fork.metrics.caption
         metrics: fork.metrics
+        onVisibleChanged: if (visible && !fork.warned) {
+            fork.warned = true
+            fork.warning()
+        }
     }
     Row {
         id: tones
@@ -77,7 +86,7 @@ Sheet {
             }
         }
     }
-    IconButton {
+    Button {
         id: stop
         objectName: "stopTFButton"
         action: "stopFreqPlay"

@@ -8,12 +8,13 @@ Outlet {
     property string initialText: ""  // shown as long as nobody set a text
     property string name: words     // spoken; nothing is, where it is empty
     property string description
-    property bool balanced: false  // no lonely word in the last line; takes a `room`
-    readonly property string words: text === "" ? initialText : text
+    property bool brief: false  // shows the short form of its text, if there is one
+    readonly property string words: text === "" ? initialText : brief ? Texts.brief(text) : text
 
     property alias size: shown.size
     property alias room: shown.room
     property alias shrinks: shown.shrinks
+    property alias balanced: shown.balanced
     property alias color: shown.color
     property alias font: shown.font
     property alias leading: shown.leading
@@ -33,9 +34,7 @@ Outlet {
 
     FittedText {
         id: shown
-        whole: label.words
-        text: label.balanced ? breaker.broken(label.words, room) : label.words
+        words: label.words
         Accessible.ignored: true
     }
-    LineBreaker { id: breaker; font: shown.font }
 }

@@ -48,7 +48,7 @@ PressControl {
         shrinks: false
         wrapMode: Text.NoWrap
         elide: Text.ElideMiddle
-        text: choice.name
+        words: choice.name
         size: choice.metrics.body
         font.weight: choice.chosen ? Font.Bold : Font.Normal
         Accessible.ignored: true
@@ -60,7 +60,7 @@ PressControl {
         shrinks: false
         wrapMode: Text.NoWrap
         elide: Text.ElideMiddle
-        text: choice.description
+        words: choice.description
         size: choice.metrics.remark
         color: Theme.ink2
         Accessible.ignored: true

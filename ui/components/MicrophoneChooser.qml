@@ -9,6 +9,7 @@ Item {
     property real unfolded: open ? 1 : 0  // how far the list is
 
     visible: choices.choices !== ""  // where nothing is known of microphones there is nothing to say
+    readonly property real ownHeight: visible ? row.height : 0
     height: visible ? row.height + unfolded * (choices.height + 12) : 0
 
     function unfold() {

@@ -10,6 +10,7 @@ Item {
     required property bool volumeLow
     readonly property alias a4: settings.a4
     signal dismissed()
+    signal volumeWarning()
 
     function openSheet(): Item {
         return Array.from(children).find(sheet => sheet.open) ?? null
@@ -18,6 +19,7 @@ Item {
     ForkPanel {
         name: "fork"
         volumeLow: panels.volumeLow
+        onWarning: panels.volumeWarning()
         metrics: panels.metrics
         open: panels.openPanel === name
         onDismissed: panels.dismissed()

@@ -65,18 +65,18 @@ Item {
 
             FittedText {
                 room: parent.width
-                text: dialog.title
-                visible: text !== ""
+                words: dialog.title
+                visible: words !== ""
                 size: dialog.metrics.by(26, 30, 30)
                 font.family: Theme.serif
                 horizontalAlignment: Text.AlignHCenter
                 Accessible.role: Accessible.Heading
-                Accessible.name: text
+                Accessible.name: words
             }
             FittedText {
                 x: 8
                 room: parent.width - 16
-                text: dialog.message
+                words: dialog.message
                 size: dialog.metrics.by(15, 16, 18)
                 leading: 1.5
                 bottomPadding: dialog.metrics.by(8, 20, 20)
@@ -84,7 +84,7 @@ Item {
                 shrinks: false
                 horizontalAlignment: Text.AlignHCenter
                 Accessible.role: Accessible.StaticText
-                Accessible.name: text
+                Accessible.name: words
             }
             Grid {
                 id: answers

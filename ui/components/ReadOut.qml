@@ -13,21 +13,26 @@ Item {
     readonly property bool waiting: frequency.text === "" && !frequency.hidden && !troubled
     readonly property real middle: metrics.baseline - 0.36 * metrics.readout
 
-    MeterOutlet {
+    // Holds the level for others to show. With less motion it has three steps only: silence, heard
+    // but too quiet, loud enough.
+    Outlet {
         id: meter
         objectName: "inputLevel"
+        property real level: 0
+        readonly property int step: Theme.reducedMotion ? [0, 2, 2, 2, 6, 6, 6, 6][level] : level
+        readonly property bool tooQuiet: level >= 1 && level <= 3
     }
     FittedText {
         objectName: "caption"
         x: readOut.metrics.margin
         y: readOut.metrics.captionBaseline - baselineOffset
         visible: readOut.a4 !== ""
-        text: "A4 = " + readOut.a4 + "Hz"
+        words: "A4 = " + readOut.a4 + "Hz"
         size: readOut.metrics.caption
         color: Theme.brass
         font.weight: Font.Medium
         Accessible.role: Accessible.StaticText
-        Accessible.name: text
+        Accessible.name: words
     }
     LabelOutlet {
         id: noteDisplay
@@ -69,7 +74,7 @@ Item {
     WaitingDots {
         id: dots
         x: hint.visible ? hint.x + hint.contentWidth + 20 : readOut.metrics.margin
-        y: readOut.middle + 0.36 * size
+        y: readOut.middle - height / 2
         size: readOut.metrics.readout * (hint.text === "" ? 1 : 0.8)
         level: meter.step
         visible: readOut.waiting

@@ -12,6 +12,7 @@ Sheet {
     contentHeight: column.height
     fills: metrics.small && !metrics.lying
     unfolded: chooser.open
+    rows: Array.from(column.children).map(row => row.ownHeight ?? row.height)
     onFoldAsked: chooser.fold()
     onOpenChanged: if (!open) {
         chooser.fold()
@@ -23,9 +24,11 @@ Sheet {
     component Line: Item {
         property real above: settings.metrics.by(4, 5, 8)
         property real below: above
+        property real slack: 0
+        readonly property real ownHeight: above + below
         width: parent.width
-        height: above + below
-        Rectangle { y: parent.above; width: parent.width; height: 1; color: Theme.line }
+        height: ownHeight + slack
+        Rectangle { y: parent.above + parent.slack / 2; width: parent.width; height: 1; color: Theme.line }
     }
 
     Column {
@@ -41,7 +44,12 @@ Sheet {
             width: parent.width
             metrics: settings.metrics
         }
-        Line { above: settings.metrics.by(14, 20, 24) ; below: settings.metrics.by(4, 5, 8) }
+        // A sheet that covers the screen cannot end higher: what follows moves down instead.
+        Line {
+            above: settings.metrics.by(14, 20, 24)
+            below: settings.metrics.by(4, 5, 8)
+            slack: settings.covers ? settings.metrics.sheetLimit - settings.lowerEnd : 0
+        }
         MicrophoneChooser {
             id: chooser
             width: parent.width

@@ -13,11 +13,29 @@ Item {
     property bool open: false
     property bool fills: false     // the screen, whatever the content needs
     property bool unfolded: false  // something in it that Escape folds first
+    property var rows: []          // heights of what lies in it from top to bottom, when it opens
     default property alias content: body.data
     signal dismissed()
     signal foldAsked()
 
     property real progress: 0  // 0 out of sight, 1 open
+
+    // What is higher than the room ends within a row, and never between two, so that it is seen to
+    // go on: from half of the row on, clear of the end where it has faded.
+    readonly property real fade: metrics.by(40, 56, 56)
+    readonly property real lowerEnd: endBelow(metrics.sheetLimit)
+    readonly property bool covers: fills && !metrics.lying && metrics.sheetWidth >= width
+    function endBelow(limit: real): real {
+        let end = limit
+        let top = 0
+        for (const height of rows) {
+            const middle = top + height / 2
+            const latest = Math.max(middle + 0.4 * fade, top + height - 0.6 * fade)
+            if (height > 30 && middle + 0.2 * fade <= limit) end = Math.min(limit, latest)
+            top += height
+        }
+        return top + 14 > limit ? end : limit
+    }
 
     anchors.fill: parent
     visible: open || progress > 0
@@ -56,19 +74,17 @@ Item {
         id: paper
 
         readonly property bool floats: sheet.metrics.sheetLift > 0
-        readonly property bool covers: sheet.fills && !sheet.metrics.lying
-                                       && sheet.metrics.sheetWidth >= sheet.width
-        readonly property real shownHeight: covers ? sheet.metrics.sheetLimit
-            : Math.min(sheet.metrics.sheetLimit, sheet.contentHeight + sheet.metrics.sheetPadding)
+        readonly property real shownHeight: sheet.covers ? sheet.metrics.sheetLimit
+            : Math.min(sheet.lowerEnd, sheet.contentHeight + sheet.metrics.sheetPadding)
 
         // A sheet on the bottom edge hides its lower corners and its sides beyond the screen.
         x: (sheet.width - width) / 2
         y: sheet.height - (shownHeight + sheet.metrics.sheetLift) * sheet.progress
         width: sheet.metrics.sheetWidth + (floats ? 0 : 2)
         height: shownHeight + (floats ? 0 : 24)
-        radius: covers ? 0 : 24
+        radius: sheet.covers ? 0 : 24
         color: Theme.sheet
-        edgeWidth: covers ? 0 : 1
+        edgeWidth: sheet.covers ? 0 : 1
         edge: Theme.line
 
         MouseArea { anchors.fill: parent }  // presses on the paper do not reach the scrim
@@ -88,7 +104,7 @@ Item {
             height: paper.shownHeight
             length: sheet.contentHeight + 14
             head: closeButton.height
-            fade: sheet.metrics.by(40, 56, 56)
+            fade: sheet.fade
             inset: (width - sheet.metrics.sheetContent) / 2
             Item {
                 id: body

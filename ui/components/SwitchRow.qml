@@ -30,6 +30,7 @@ Item {
         objectName: row.hintOutlet
         y: row.least / 2 + 17 - baselineOffset
         room: caption.room
+        brief: row.metrics.width < 360
         size: row.metrics.remark
         leading: 1.25
         color: Theme.ink2

@@ -16,7 +16,7 @@ Button {
     FittedText {
         anchors.centerIn: parent
         room: button.width - 24
-        text: button.text
+        words: button.text
         size: button.size
         color: button.pressed ? button.pressedInk : button.ink
         font.weight: button.weight

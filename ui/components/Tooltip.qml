@@ -6,7 +6,7 @@ Rounded {
     id: tip
 
     property Item target: null  // what the mouse is on; null: nothing
-    readonly property alias text: label.text
+    readonly property alias text: label.words
     readonly property bool shown: target !== null && delay.over
 
     x: Math.max(0, Math.min(parent.width - width, target ? target.x + (target.width - width) / 2 : x))
@@ -22,7 +22,7 @@ Rounded {
     onTargetChanged: {
         delay.over = false
         if (target) {
-            label.text = target.name
+            label.words = target.name
             delay.restart()
         } else {
             delay.stop()

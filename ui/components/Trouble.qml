@@ -11,7 +11,7 @@ Item {
     readonly property bool beside: metrics.warningBeside
     readonly property real size: crowded ? 0.8 * metrics.caption : metrics.caption
     readonly property bool crowded:
-        Math.max(titleRuler.contentWidth, remedyRuler.contentWidth) > metrics.troubleRoom
+        titleRuler.cutsWords() || remedyRuler.cutsWords()
         || lengthOf(titleRuler, remedyRuler, metrics.caption)
             > metrics.troubleLimit - metrics.troubleCeiling
 
@@ -21,13 +21,15 @@ Item {
     readonly property real toRemedy:
         (1.25 * (title.lineCount - 1) + (beside ? 1.3 : 1.5)) * size
 
+    readonly property real lastLine: firstLine + toRemedy + 1.25 * (remedy.lineCount - 1) * size
+
     // From the top of the sign to the last baseline.
     function lengthOf(of, what, size: real): real {
         return (2.95 + 1.5 + 1.25 * (of.lineCount + what.lineCount - 2)) * size
     }
 
     x: metrics.margin
-    y: beside ? metrics.warningMiddle
+    y: beside ? Math.min(metrics.warningMiddle, metrics.troubleLimit - lastLine)
               : Math.min(metrics.middle, metrics.troubleLimit - lengthOf(title, remedy, size))
     visible: stands
 
@@ -36,7 +38,7 @@ Item {
         size: trouble.metrics.caption
         room: trouble.metrics.troubleRoom
         shrinks: false
-        wrapMode: Text.WordWrap
+        balanced: true
     }
     component Line: LabelOutlet {
         x: trouble.metrics.warningTextX - trouble.metrics.margin
@@ -47,9 +49,10 @@ Item {
         balanced: true
     }
 
-    Ruler { id: titleRuler; text: title.text; font.weight: Font.Bold }
-    Ruler { id: remedyRuler; text: remedy.text }
+    Ruler { id: titleRuler; words: title.text; font.weight: Font.Bold }
+    Ruler { id: remedyRuler; words: remedy.text }
     Icon {
+        objectName: "troubleSign"
         x: -0.12 * size
         y: trouble.beside ? -size / 2 : -0.06 * size
         size: 1.85 * trouble.size

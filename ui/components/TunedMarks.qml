@@ -28,7 +28,9 @@ Item {
             { outlet: "ring3", note: "G2", x: 128, y: 120 },
             { outlet: "ring4", note: "C2", x: 128, y: 202 }
         ]
-        RingOutlet {
+        // It settles when it appears.
+        PictureOutlet {
+            id: ring
             required property var modelData
             objectName: modelData.outlet
             x: marks.metrics.celloX + modelData.x * marks.metrics.unit - width / 2
@@ -36,6 +38,17 @@ Item {
             width: marks.metrics.ringSize
             height: width
             name: Texts.of("StringTuned", modelData.note)
+            onImageChanged: if (image !== "" && !Theme.reducedMotion) settle.restart()
+
+            NumberAnimation {
+                id: settle
+                target: ring
+                property: "scale"
+                from: 1.15
+                to: 1
+                duration: 180
+                easing.type: Easing.OutCubic
+            }
         }
     }
     Lamp {

@@ -118,10 +118,16 @@ Item {
             openPanel: screen.openPanel
             version: screen.version
             volumeLow: volume.low
+            onVolumeWarning: volumeAlert.speak()
             onDismissed: screen.openPanel = ""
         }
     }
     Announcement { objectName: "announcement" }
+    Announcement {
+        id: volumeAlert
+        text: volume.low && !trouble.stands ? volume.words : ""
+        Accessible.role: Accessible.AlertMessage
+    }
     RatingDialog {
         id: dialog
         objectName: "ratingDialog"

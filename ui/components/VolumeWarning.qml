@@ -1,13 +1,14 @@
 import QtQuick
 
 // Asks for more volume: a triangle over two lines of text, or left of the text and in the middle of
-// it where that is the place. A trouble with the microphone goes first.
+// it where that is the place. A trouble with the microphone goes first. It is announced elsewhere.
 Item {
     id: warning
 
     required property Metrics metrics
     required property bool troubled
     readonly property bool low: !label.hidden
+    readonly property alias words: label.words
 
     LabelOutlet {
         objectName: "turnUpTheVolumeTriangleLabel"
@@ -38,6 +39,5 @@ Item {
         font.weight: Font.Bold
         shrinks: false
         balanced: true
-        Accessible.role: Accessible.AlertMessage
     }
 }

@@ -5,10 +5,14 @@ import QtQuick
 // is a repaint. What is heard makes a string between the dots swing, step by step with its level.
 Item {
     id: dots
+    objectName: "waitingDots"
 
     property real size: 78  // of the read-out
     property int level: 0   // 0 to 7
     property real phase: 0  // 0 to 1, one round
+
+    width: 0.84 * size
+    height: 0.4 * size
 
     Repeater {
         model: 3
@@ -17,7 +21,7 @@ Item {
             readonly property real glow: 0.5 + 0.5 * Math.cos(2 * Math.PI * (dots.phase - index / 4))
             visible: dots.level === 0
             x: (0.06 + 0.36 * index - 0.055) * dots.size
-            y: (-0.36 - 0.055) * dots.size
+            y: (0.2 - 0.055) * dots.size
             width: 0.11 * dots.size
             height: width
             color: Theme.amber
@@ -26,9 +30,7 @@ Item {
     }
     Image {
         visible: dots.level > 0
-        y: (-0.36 - 0.2) * dots.size
-        width: 0.84 * dots.size
-        height: 0.4 * dots.size
+        anchors.fill: parent
         source: visible ? Theme.picture("levelSwing" + dots.level + ".png") : ""
     }
     Timer {

@@ -1,9 +1,0 @@
-import QtQuick
-import "../components"
-
-// Phones 812 points high.
-TunerScreen {
-    celloPicture: "cello_6plus.png"
-    stringOutlet: "tunedString5"
-    lampOutlet: "LEDDisplay128"
-}
