@@ -17,18 +17,21 @@ constexpr std::size_t kFirstWhistleBin = FineSpectrum::kLastLineBin + 1;
 // away: the one figure that matters.
 constexpr double kLeastShare = 0.6;
 constexpr double kLeastScore = 0.5;  // odd partials alone reach it
+// A chord may pass for the upper partials of a pitch that nobody plays.
 constexpr double kLeastScoreWithoutFundamental = 0.6;
 
 constexpr std::size_t kStrongestLines = 8;  // one of which belongs to the string, as a partial
 constexpr int kHighestGuess = 14;           // numbered up to this
 constexpr int kMostMissing = 5;             // in a row, before a series has ended
 constexpr int kLowPartials = 8;             // the ones by which octaves are told apart
+// Hertz: the upper edge of the last bin that may hold a line.
 constexpr double kHighestPartial = (FineSpectrum::kLastLineBin + 0.5) * FineSpectrum::kBinWidth;
 
 constexpr double k25Cents = 0.014545334937;  // 2^(25/1200) - 1
 constexpr double kCentsPerOne = 1731.234;    // 1200 / ln 2: of a small relative difference
 
-// Hertz by which a partial may lie off its place. In the lowest, a bin is more than 25 cents.
+// Hertz by which a partial may lie off its place: 25 cents. In the lowest a bin is more than that;
+// in the highest it would reach so far that some multiple of a low pitch were near any line.
 double reachOfPartial(double hertz) {
   return std::max(1.2, std::min(hertz * k25Cents, 9.0));
 }
@@ -184,8 +187,9 @@ bool FineEstimator::isPitch(double score) const {
                                                        FineSpectrum::kLastLineBin);
 }
 
-// Again, more narrowly: a series may have taken a neighbour's line for its own. A bowed string's
-// partials are exact multiples, so none is stretched.
+// Again, more narrowly (3 Hz is less than half of a line's main lobe): a series may have taken a
+// neighbour's line for its own. A bowed string's partials are exact multiples, so none is
+// stretched; vibrato spreads those above 1000 Hz too far to be believed.
 double FineEstimator::refined() const {
   constexpr double kHighestVoter = 1000.0;  // hertz
   const double pitch = best_.pitch();
