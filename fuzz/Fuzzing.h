@@ -55,12 +55,9 @@ class Input {
     return got;
   }
   std::span<const std::uint8_t> rest() { return bytes(rest_.size()); }
-
-  // A text of at most 255 bytes, after the byte that tells its length.
-  std::string text() { return textOf(bytes(number<std::uint8_t>())); }
-
-  static std::string textOf(std::span<const std::uint8_t> bytes) {
-    return {bytes.begin(), bytes.end()};
+  std::string restAsText() {
+    const auto all = rest();
+    return {all.begin(), all.end()};
   }
 
  private:

@@ -1,12 +1,12 @@
 // Any bytes as the settings file of an earlier run: the application starts on it, writes, and finds
 // what it has written when it comes back, unless it has said that it cannot.
-#include <cmath>
 #include <filesystem>
 #include <fstream>
 
 #include "adapters/sqlite/SqliteStore.h"
+#include "app/Application.h"
 #include "fuzz/Fuzzing.h"
-#include "fuzz/TunerOnFakes.h"
+#include "tests/fakes/FakePlatform.h"
 #include "tests/support/TempDirectory.h"
 
 namespace endpin::fuzzing {
@@ -20,33 +20,24 @@ bool says(const fakes::FakeLog& log, const char* part) {
 }
 
 bool isKeptAside(const fs::path& folder) {
-  return std::any_of(fs::directory_iterator(folder), fs::directory_iterator(),
-                     [](const fs::directory_entry& file) {
-                       return file.path().filename().string().find(".corrupt-") !=
-                              std::string::npos;
-                     });
-}
-
-void write(SettingsStore& store) {
-  store.setBool("a flag", true);
-  store.setInteger("a4InHzSavedValue", 415);
-  store.setDouble("savedSliderValue", 0.1);
-  store.setString("text", "Hände");
-  store.synchronize();
-}
-
-void requireWritten(const SettingsStore& store) {
-  require(store.boolForKey("a flag"), "a written flag is read back");
-  require(store.integerForKey("a4InHzSavedValue") == 415, "a written integer is read back");
-  require(store.doubleForKey("savedSliderValue") == 0.1, "a written number is read back");
-  require(store.stringForKey("text") == "Hände", "a written text is read back");
+  return std::any_of(fs::directory_iterator(folder), {}, [](const auto& file) {
+    return file.path().filename().string().find(".corrupt-") != std::string::npos;
+  });
 }
 
 void startAndWrite(const std::string& path, fakes::FakeLog& log) {
   SqliteStore store(path, log);
-  { const TunerOnFakes tuner(store); }
-  write(store);
-  requireWritten(store);
+  fakes::FakePlatform fake;
+  Platform platform{fake.input, fake.session, fake.players, fake.output, fake.runLoop,
+                    store,      fake.device,  fake.bundle,  fake.log};
+  Application(platform).launch();
+  store.setDouble("savedSliderValue", 0.1);
+  store.setString("text", "Hände");
+}
+
+void requireWritten(const SettingsStore& store) {
+  require(store.doubleForKey("savedSliderValue") == 0.1, "a written number is read back");
+  require(store.stringForKey("text") == "Hände", "a written text is read back");
 }
 
 }  // namespace
@@ -59,8 +50,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fs::remove_all(folder);
   fs::create_directory(folder);
   const std::string path = folder / "settings.db";
-  Input input(data, size);
-  std::ofstream(path, std::ios::binary) << Input::textOf(input.rest());
+  std::ofstream(path, std::ios::binary) << Input(data, size).restAsText();
 
   endpin::fakes::FakeLog log;
   startAndWrite(path, log);

@@ -2,7 +2,6 @@
 // names it; what is accepted plays on the virtual clock, and ends.
 //
 // The first byte of an input says whether the file is headerless.
-#include <filesystem>
 #include <fstream>
 #include <vector>
 
@@ -87,7 +86,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const endpin::testing::TempDirectory folder;
   Input input(data, size);
   const std::string path = folder.file(input.choice(8) == 7 ? "sound.s16" : "sound");
-  std::ofstream(path, std::ios::binary) << Input::textOf(input.rest());
+  std::ofstream(path, std::ios::binary) << input.restAsText();
   tryToListen(path, readThrough);
   tryToListen(path, listenThrough);
   return 0;

@@ -7,24 +7,16 @@ cd "$1/fuzzers"
 seconds=$2
 shift 2
 [ $# -gt 0 ] ||
-  set -- pitch sound-file settings-file setting-values text-tables cli-arguments desktop-arguments
+  set -- pitch sound-file settings-file
 
 # The largest input that is worth its time.
 longest() {
   case "$1" in
     pitch) echo 9000 ;;
     settings-file) echo 40000 ;;
-    sound-file) echo 20000 ;;
-    setting-values | text-tables) echo 6000 ;;
-    *) echo 400 ;;
+    *) echo 20000 ;;
   esac
 }
-
-# Value of a figure that the fuzzer prints when it ends.
-figure() { sed -n "s/^stat::$1: *//p" "$2"; }
-# The first (1) or the last ($) number that follows a name such as cov: the log is read to its end,
-# for a reader that leaves early makes the search fail.
-counted() { grep -aoE "$2: [0-9]+" "$3" | sed -n "$1p" | grep -oE '[0-9]+' || echo 0; }
 
 fuzz() {
   local name=$1 log=logs/$1 before found
@@ -34,18 +26,12 @@ fuzz() {
   ASAN_OPTIONS=log_path=logs/$name.report:detect_stack_use_after_return=1 \
     UBSAN_OPTIONS=print_stacktrace=1 \
     TMPDIR=$work nice ./"$name" -max_total_time="$seconds" -max_len="$(longest "$name")" \
-    -timeout=25 -rss_limit_mb=2048 -print_final_stats=1 -artifact_prefix="findings/$name-" \
+    -timeout=25 -rss_limit_mb=2048 -artifact_prefix="findings/$name-" \
     "corpus/$name" "seeds/$name" >"$log" 2>&1 || true
   found=$(($(find findings -name "$name-*" | wc -l) - before))
-  printf '%-18s %9s executions %7s/s  coverage %5s (+%s)  features %6s (+%s)  findings %s\n' \
-    "$name" "$(figure number_of_executed_units "$log")" \
-    "$(figure average_exec_per_sec "$log")" \
-    "$(counted '$' cov "$log")" $(($(counted '$' cov "$log") - $(counted 1 cov "$log"))) \
-    "$(counted '$' ft "$log")" $(($(counted '$' ft "$log") - $(counted 1 ft "$log"))) \
-    "$found"
+  printf '%-14s findings %s: %s\n' "$name" "$found" "$(grep -a '^Done ' "$log")"
   # A fuzzer that ended before its time has found something, whether or not it could keep it.
-  grep -q '^stat::number_of_executed_units' "$log" && [ "$found" = 0 ] &&
-    grep -q '^Done ' "$log" && return
+  [ "$found" = 0 ] && grep -qa '^Done ' "$log" && return
   echo "$name: see $PWD/$log* and $PWD/findings" >&2
   touch "$work/found"
 }
@@ -57,7 +43,8 @@ exec 9>lock
 flock -n 9 || { echo "the fuzzers of this folder run already" >&2; exit 1; }
 rm -rf logs
 mkdir -p logs findings
-./endpin-fuzz-seeds seeds "$OLDPWD/resources"
+mkdir -p seeds/pitch
+./endpin-fuzz-seeds seeds
 
 for name in "$@"; do
   [ "$(jobs -rp | wc -l)" -lt 2 ] || wait -n
