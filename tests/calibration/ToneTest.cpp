@@ -1,7 +1,6 @@
 // The reference tone: samples against formulas worked out separately, and the tuning fork's states.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <memory>

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include "app/RatingManners.h"
 #include "rating/RatingPrompt.h"
 #include "tests/fakes/FakePlatform.h"
 
@@ -25,16 +24,11 @@ struct Fake : Base, Shown {
   }
   void presentViewController(std::shared_ptr<ScreenController> controller, bool withAnimation,
                              Completion completion) override {
-    const auto show = [=, this] {
-      auto& shown = dynamic_cast<Shown&>(*controller);
-      shown.onScreen = true;
-      shown.animated = withAnimation;
-      presented = controller;
-      if (completion) completion();
-      return true;
-    };
-    if (!manners) static_cast<void>(show());
-    if (manners) manners->whenPolite(show);
+    auto& shown = dynamic_cast<Shown&>(*controller);
+    shown.onScreen = true;
+    shown.animated = withAnimation;
+    presented = controller;
+    if (completion) completion();
   }
   void dismissViewController(bool withAnimation, Completion completion) override {
     onScreen = false;
@@ -42,7 +36,6 @@ struct Fake : Base, Shown {
     if (completion) completion();
   }
   std::shared_ptr<ScreenController> presented;
-  RatingManners* manners = nullptr;  // without, whatever is asked for appears at once
 };
 
 using Strings = std::vector<std::string>;

@@ -451,12 +451,6 @@ TEST_F(RatingTest, LaunchForegroundAndPromptsAtOnce) {
   const auto counted = [&] { return world.store.integerForKey(Book::kUseCount); };
   ASSERT_EQ(counted(), 4 * 2000);  // none is lost, whoever counts
 
-  std::jthread otherWriter([&](const std::stop_token& stop) {
-    while (!stop.stop_requested()) {
-      world.store.setInteger("savedSliderValue", 5);
-      std::this_thread::sleep_for(std::chrono::microseconds(50));
-    }
-  });
   for (std::int64_t i = 0; i < kRounds; ++i) {
     RatingPrompt::appLaunched(i % 2 == 0);
     RatingPrompt::appEnteredForeground(i % 3 == 0);

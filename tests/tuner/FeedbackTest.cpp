@@ -1,7 +1,6 @@
 // What one tick shows and sounds: texts, lamp, rings, pictures, beep and its re-arm.
 #include <gtest/gtest.h>
 
-#include <array>
 #include <optional>
 #include <set>
 
