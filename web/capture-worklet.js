@@ -1,7 +1,7 @@
-// Collects what the microphone captures and posts it to the page: 1024 samples (Float32Array) at a
+// Collects what the microphone captures and posts it to the page: 2048 samples (Float32Array) at a
 // time, of the first channel. Thread: audio render.
 
-const BLOCK = 1024; // samples, 21 ms at 48000 Hz
+const BLOCK = 2048; // samples, 43 ms at 48000 Hz; each wakes the page up
 
 class Capture extends AudioWorkletProcessor {
   #block = new Float32Array(BLOCK);
@@ -14,14 +14,12 @@ class Capture extends AudioWorkletProcessor {
   }
 
   #collect(samples) {
-    let taken = 0;
-    while (taken < samples.length) {
-      const count = Math.min(samples.length - taken, BLOCK - this.#collected);
-      this.#block.set(samples.subarray(taken, taken + count), this.#collected);
-      taken += count;
-      this.#collected += count;
-      if (this.#collected === BLOCK) this.#post();
-    }
+    const count = Math.min(samples.length, BLOCK - this.#collected);
+    const all = count === samples.length; // as ever, where the quantum divides the block
+    this.#block.set(all ? samples : samples.subarray(0, count), this.#collected);
+    this.#collected += count;
+    if (this.#collected === BLOCK) this.#post();
+    if (!all) this.#collect(samples.subarray(count));
   }
 
   #post() {

@@ -120,6 +120,7 @@ export class Tuner {
   onUseMicrophone = (id) => {};
   onKeepAwake = (wanted) => {};
   onSettingsLost = (error) => {}; // once: from now on nothing outlives the page
+  onFailure = (error) => {}; // once: the core has failed, and answers no more
   onLog = (line) => {};
   onError = (error) => console.error(error); // of another handler
 
@@ -198,6 +199,7 @@ export class Tuner {
       return work();
     } catch (error) {
       this.#failure = error;
+      this.#tell("onFailure", error);
       throw error;
     } finally {
       this.#inside = false;
