@@ -40,7 +40,23 @@ for seconds in 0 soon 1000000 '1 1'; do
 done
 check 2 "not '--arm'" package --test --arm
 check 2 "not '--fly'" web --fly
-check 0 '' web --build
+check 2 "not 'netscape'" web --test webkit netscape
+check 0 'Version [0-9a-f]{16}, [0-9]+ files' web --build
+
+# The page is served where it is said; who comes second is told so.
+export ENDPIN_PORT=8391
+./dev web >"$work/served" 2>&1 &
+server=$!
+for _ in {1..120}; do
+  page=$(busybox wget -qO- "http://localhost:$ENDPIN_PORT/" 2>/dev/null) && break
+  sleep 0.5
+done
+grep -q '<title>Endpin' <<<"$page" || { echo "./dev web serves no page:"; cat "$work/served"; failed=1; }
+check 1 "port $ENDPIN_PORT is in use" web
+kill $server
+wait $server || true
+ENDPIN_PORT=door check 2 "not 'door'" web
+unset ENDPIN_PORT
 
 # The programs of the demonstration differ in one file, which a test of the screen puts in.
 cmake --preset demo -B "$work/demo" >/dev/null

@@ -21,9 +21,9 @@ test("every captured sample is posted once, in order, whatever the quantum", () 
       assert.ok(capture.process([[]]), "nothing connected");
     }
     const blocks = capture.posted;
-    assert.equal(blocks.length, Math.floor(next / 1024));
-    assert.ok(blocks.every((block) => block.length === 1024));
-    assert.ok(blocks.every((block, i) => block.every((sample, j) => sample === 1024 * i + j)));
+    assert.equal(blocks.length, Math.floor(next / 2048));
+    assert.ok(blocks.every((block) => block.length === 2048));
+    assert.ok(blocks.every((block, i) => block.every((sample, j) => sample === 2048 * i + j)));
   }
 });
 
