@@ -12,8 +12,7 @@ const site = await serve();
 const browser = await chromium.begin({ recording });
 const page = new Page({ browser, engine: chromium, site, recording });
 await chromium.resize(browser, 390, 844);
-await page.open("?lang=en");
-await page.listen();
+await page.listen("?lang=en");
 await page.turnsGreen("D3");
 const { data } = await browser.send("devtools", {
   cmd: "Page.captureScreenshot",

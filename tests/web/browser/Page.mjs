@@ -1,46 +1,38 @@
 // The page as a case sees it: what it shows, by the names of the screen table, and what it did.
 import { until } from "./surroundings.mjs";
 
-const START = '#start [data-action="start"]';
-const GREEN = /^green(64|128)\.png$/;
+export const START = "#start button";
 
 export class Page {
   remarks = []; // figures for the report
+  #since = 0; // when the recording began, in milliseconds of the machine's clock
 
   constructor({ browser, engine, site, sound, recording }) {
     Object.assign(this, { browser, engine, site, sound, recording });
   }
 
-  remark(text) {
-    this.remarks.push(text);
-  }
-
+  // Until there is something to tap. Again is no reload: in Firefox's driver that goes past the worker.
   async open(query = "") {
     await this.browser.go(this.site.url + query);
-    await this.ready();
-  }
-  async reload() {
-    await this.browser.reload();
-    await this.ready();
-  }
-  ready() {
-    return until("there is something to tap", 15, () =>
+    await until("there is something to tap", () =>
       this.browser.run((start) => document.querySelector(start)?.innerText.trim(), START),
     );
   }
-
-  tap(css) {
-    return this.browser.tap(css);
+  async listen(query) {
+    await this.open(query);
+    await this.start(() => this.browser.tap(START));
   }
-  act(action) {
-    return this.tap(`[data-action="${action}"]`);
+  async tune(query) {
+    await this.listen(query);
+    await this.turnsGreen("A3");
   }
 
-  // The first tap, and the recording from its beginning.
-  async listen() {
+  // The first tap, or what is in its place, and the recording from its beginning.
+  async start(tap) {
     this.sound?.silence();
-    await this.tap(START);
-    await until("the page listens", 10, () =>
+    this.#since = Date.now();
+    await tap();
+    await until("the page listens", () =>
       this.browser.run((start) => {
         const prompts = document.querySelector(start).checkVisibility({ visibilityProperty: true });
         return probe.streams.length > 0 && !prompts;
@@ -48,11 +40,19 @@ export class Page {
     );
     this.sound?.play(this.recording);
   }
+  playAgain() {
+    this.#since = Date.now();
+    this.sound?.play(this.recording);
+  }
+
+  act(action) {
+    return this.browser.tap(`[data-action="${action}"]`);
+  }
 
   // Until its sheet has stopped moving, a tap might hit something else.
   async openPanel(name) {
-    await this.tap(`[data-panel="${name}"]`);
-    await until(`the panel ${name} is open`, 10, () =>
+    await this.browser.tap(`[data-panel="${name}"]`);
+    await until(`the panel ${name} is open`, () =>
       this.browser.run((name) => {
         const sheet = document.querySelector(`[data-sheet="${name}"][data-open]`);
         return sheet !== null && sheet.getAnimations().length === 0; // it has arrived
@@ -60,39 +60,28 @@ export class Page {
     );
   }
 
-  // What the probe wrote down: all of it, or one part.
-  async probe(part) {
-    const all = await this.browser.run(() => {
-      const { tone, context, streams, ...rest } = window.probe;
-      return { ...rest, streams: streams.map(({ at, wanted }) => ({ at, wanted })) };
-    });
-    return part ? all[part] : all;
-  }
-
-  // Of the elements of that name the one that can be seen: its text and its picture's name.
-  shown(name) {
-    return this.browser.run((name) => {
-      const all = document.querySelectorAll(`[data-outlet="${name}"]`);
-      const element = [...all].find((one) => one.getClientRects().length > 0);
-      return { text: element?.textContent.trim() ?? "", image: element?.dataset.image ?? "" };
-    }, name);
+  // A part of what the probe wrote down.
+  probe(part) {
+    return this.browser.run((part) => window.probe[part], part);
   }
 
   // What of the page can be seen, in words.
   words() {
     return this.browser.run(() => document.body?.innerText.replace(/\s+/g, " ") ?? "");
   }
-  says(text, seconds = 5) {
-    return until(`the page says "${text}"`, seconds, async () => (await this.words()).includes(text));
+  says(text) {
+    return until(`the page says "${text}"`, async () => (await this.words()).includes(text));
   }
 
-  // Waits for a string's green, whichever of the two lamps the layout has.
-  turnsGreen(note, seconds = 15) {
-    return until(`${note || "a string"} turns green`, seconds, async () => {
-      const lamps = [await this.shown("LEDDisplay"), await this.shown("LEDDisplay128")];
-      const display = await this.shown("noteDisplay");
-      return lamps.some(({ image }) => GREEN.test(image)) && (!note || display.text === note);
-    });
+  // Waits until the recording, from its beginning on, has made the lamp green, at this note.
+  turnsGreen(note) {
+    const since = this.#since;
+    const wanted = (green) => green.at > since && (!note || green.note === note);
+    return until(`${note ?? "a string"} turns green`, async () => (await this.probe("greens")).some(wanted));
+  }
+  soundRuns() {
+    const runs = () => probe.context.state === "running";
+    return until("the sound runs again", () => this.browser.run(runs));
   }
 
   // The only microphone is pulled out, and put back: for real where the engine notices it.
@@ -129,6 +118,15 @@ export class Page {
       };
     }, hertz);
   }
+  sounds(hertz) {
+    return until(`${hertz} Hz sound`, async () => {
+      const { frequency, whole, peak } = await this.tone(hertz);
+      return peak > 0.3 && whole && Math.abs(1200 * Math.log2(frequency / hertz)) < 5;
+    });
+  }
+  isSilent() {
+    return until("the tone is silent", async () => (await this.tone(220)).peak === 0);
+  }
 
   // Every text that is seen or spoken, and the language it claims to be in.
   texts() {
@@ -149,8 +147,8 @@ export class Page {
   // Gives the page this room, or what comes nearest, and returns what it has.
   async resize(width, height) {
     await this.engine.resize(this.browser, width, height);
-    return until("the page has its size", 5, () =>
-      this.browser.run(() => new Promise(requestAnimationFrame).then(() => [innerWidth, innerHeight])),
+    return this.browser.run(() =>
+      new Promise(requestAnimationFrame).then(() => [innerWidth, innerHeight]),
     );
   }
 
@@ -182,7 +180,6 @@ export class Page {
 
   // For a failure: what is on the screen, and what went wrong.
   async describe() {
-    const { faults } = await this.probe();
-    return `${await this.words()} ${faults.join("; ")}`;
+    return `${await this.words()} ${(await this.probe("faults")).join("; ")}`;
   }
 }

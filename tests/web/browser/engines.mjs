@@ -2,30 +2,16 @@
 import { existsSync, mkdirSync, readFileSync, writeFileSync } from "node:fs";
 import { join } from "node:path";
 
-import { folder, freePort, heard, SoundServer, start, stop, until } from "./surroundings.mjs";
+import { folder, heard, start, until } from "./surroundings.mjs";
 import { Browser } from "./webdriver.mjs";
+
+const HIDDEN = 2000; // milliseconds that a page is hidden
 
 let homes = 0;
 function newHome() {
   const home = join(folder, `home-${++homes}`);
   mkdirSync(home, { mode: 0o700 });
   return home;
-}
-
-// A browser's driver, its session, and the end of both.
-async function session(driver, options) {
-  try {
-    const browser = await Browser.begin({ port: options.port, ...options });
-    const end = browser.end.bind(browser);
-    browser.end = async () => {
-      await end();
-      stop(driver);
-    };
-    return browser;
-  } catch (error) {
-    stop(driver);
-    throw new Error(`${error.message}\n${driver.said}`);
-  }
 }
 
 // A program that starts another one and ends with whoever starts it: drivers leave browsers behind.
@@ -43,25 +29,25 @@ async function resizeWindow(browser, width, height) {
   }
 }
 
-// Another tab before this one.
-async function hideBehindTab(browser, milliseconds) {
+// Another tab before this one, for a while.
+async function hideBehindTab(browser) {
   const handle = await browser.send("window");
   const other = await browser.send("openWindow", { type: "tab" });
   await browser.send("toWindow", { handle: other.handle });
-  await new Promise((resolve) => setTimeout(resolve, milliseconds));
+  await new Promise((resolve) => setTimeout(resolve, HIDDEN));
   await browser.send("closeWindow");
   await browser.send("toWindow", { handle });
 }
 
 // A stand-in, for a browser whose tabs are windows: the page is told so, and nothing else.
-function sayHidden(browser, milliseconds) {
+function sayHidden(browser) {
   return browser.run(async (milliseconds) => {
     for (const hidden of [true, false]) {
       Object.defineProperty(document, "hidden", { value: hidden, configurable: true });
       document.dispatchEvent(new Event("visibilitychange"));
       if (hidden) await new Promise((resolve) => setTimeout(resolve, milliseconds));
     }
-  }, milliseconds);
+  }, HIDDEN);
 }
 
 // Chromium's microphone is the recording itself, from its beginning each time it is opened: no sound
@@ -71,7 +57,7 @@ export const chromium = {
   // What stands in red on its console since it was asked last.
   complaints: async (browser) =>
     (await browser.send("log", { type: "browser" })).map(({ message }) => message),
-  hideFor: hideBehindTab,
+  hide: hideBehindTab,
   resize: (browser, width, height) =>
     browser.send("devtools", {
       cmd: "Emulation.setDeviceMetricsOverride",
@@ -89,10 +75,10 @@ export const chromium = {
     const environment = { HOME: home, XDG_RUNTIME_DIR: home, PULSE_SERVER: "unix:/nowhere" };
     const driver = start(["chromedriver", "--port=0"], environment);
     const [, port] = await heard(driver, /started successfully on port (\d+)/);
-    return session(driver, {
+    return Browser.begin({
+      programs: [driver],
       port,
       capabilities: {
-        browserName: "chrome",
         "goog:chromeOptions": { binary: mortal("/usr/bin/chromium", home), args },
         "goog:loggingPrefs": { browser: "SEVERE" },
       },
@@ -107,12 +93,11 @@ const FIREFOX_PREFERENCES = {
   "app.update.enabled": false,
   "browser.shell.checkDefaultBrowser": false,
 };
-const NO_SOUND = { PULSE_SERVER: "unix:/nowhere" };
 
 export const firefox = {
   name: "firefox",
   noticesDevices: true,
-  hideFor: hideBehindTab,
+  hide: hideBehindTab,
   resize: resizeWindow,
   programs: ["/usr/bin/firefox-esr", "/usr/bin/pulseaudio"],
   sound: true,
@@ -125,12 +110,17 @@ export const firefox = {
       ([name, value]) => `user_pref("${name}", ${JSON.stringify(value)});`,
     );
     writeFileSync(join(home, "user.js"), lines.join("\n"));
+    const environment = { ...sound.environment, HOME: home };
+    if (microphone === "missing") environment.PULSE_SERVER = "unix:/nowhere";
     const command = ["firefox-esr", "--headless", "--marionette", "--no-remote", "--profile", home];
-    const devices = microphone === "missing" ? NO_SOUND : sound.environment;
-    const driver = start(command, { ...sound.environment, ...devices, HOME: home });
+    const program = start(command, environment);
     const portFile = join(home, "MarionetteActivePort");
-    await until("firefox opens its port", 60, () => existsSync(portFile) && readFileSync(portFile).length > 0);
-    return session(driver, { port: Number(readFileSync(portFile)), socket: true, capabilities: {} });
+    const port = () => existsSync(portFile) && Number(readFileSync(portFile));
+    return Browser.begin({
+      programs: [program],
+      port: await until("firefox opens its port", port),
+      socket: true,
+    });
   },
 };
 
@@ -138,7 +128,7 @@ const MINI_BROWSER = "/usr/lib/x86_64-linux-gnu/webkit2gtk-4.1/MiniBrowser";
 
 export const webkit = {
   name: "webkit",
-  hideFor: sayHidden,
+  hide: sayHidden,
   resize: resizeWindow,
   standIns: { refused: "?stand-in=microphone-refused", missing: "?stand-in=microphone-missing" },
   programs: [MINI_BROWSER, "/usr/bin/WebKitWebDriver", "/usr/bin/Xvfb", "/usr/bin/pulseaudio"],
@@ -147,12 +137,13 @@ export const webkit = {
     const home = newHome();
     const screen = start(["Xvfb", "-displayfd", "1", "-screen", "0", "1600x1400x24", "-nolisten", "tcp"]);
     const [, display] = await heard(screen, /^(\d+)\n/m);
-    const port = await freePort();
+    const port = 14500 + Number(display); // a display is nobody else's
     const environment = { ...sound.environment, HOME: home, DISPLAY: `:${display}`, GTK_A11Y: "none" };
     const driver = start(["WebKitWebDriver", `--port=${port}`], environment);
     const answers = () => fetch(`http://127.0.0.1:${port}/status`).then(() => true, () => false);
-    await until("WebKit's driver answers", 20, answers);
-    const browser = await session(driver, {
+    await until("WebKit's driver answers", answers);
+    return Browser.begin({
+      programs: [driver, screen],
       port,
       capabilities: {
         "webkitgtk:browserOptions": {
@@ -161,11 +152,5 @@ export const webkit = {
         },
       },
     });
-    const { end } = browser;
-    browser.end = async () => {
-      await end();
-      stop(screen);
-    };
-    return browser;
   },
 };

@@ -5,10 +5,12 @@ window.probe = {
   faults: [], // what the page would have written to the console in red
   beeps: [], // {at}
   shown: [], // {at, name, value}: each change of an element of the screen, a picture or a text
-  streams: [], // {at, wanted, stream}: microphones that were granted
+  greens: [], // {at, note}: each time the lamp became green
+  wanted: [], // what was asked of each microphone that was granted
+  streams: [], // of these
   onsets: [], // when the microphone began to hear something after silence, each
   context: null, // the AudioContext that listens
-  whileHidden: [], // its state each time the page was hidden, half a second later
+  whileHidden: [], // the states that it took while the page was hidden
   away: "", // when not empty: the microphone cannot be had, by the name of the error
   tone: null, // an AnalyserNode on what the tone's context plays
 };
@@ -16,6 +18,8 @@ window.probe = {
 {
   const { probe } = window;
   const now = () => performance.timeOrigin + performance.now();
+  const LAMP = /^LEDDisplay(128)?$/; // whichever of the two the layout has
+  const GREEN = /^green(64|128)\.png$/;
   const fault = (text) => probe.faults.push(String(text));
 
   // Puts `work` before a method: it sees this and the arguments.
@@ -34,13 +38,19 @@ window.probe = {
     const analyser = new AnalyserNode(source.context, { fftSize: 1024 });
     const samples = new Float32Array(analyser.fftSize);
     let lastHeard = 0;
+    let quiet = Infinity; // looks in a row that found silence: none while the page stood still
     source.connect(analyser);
     setInterval(() => {
       analyser.getFloatTimeDomainData(samples);
+      quiet++;
       if (!samples.some((sample) => Math.abs(sample) > 0.01)) return;
-      if (now() - lastHeard > 600) probe.onsets.push(now());
+      if (quiet > 5 && now() - lastHeard > 600) probe.onsets.push(now());
       lastHeard = now();
+      quiet = 0;
     }, 20);
+    source.context.addEventListener("statechange", ({ target }) => {
+      if (document.hidden) probe.whileHidden.push(target.state);
+    });
   };
 
   const { error } = console;
@@ -55,9 +65,6 @@ window.probe = {
     fault(`${event.violatedDirective} forbids ${event.blockedURI} in ${event.sourceFile}`),
   );
 
-  before(window.HTMLMediaElement, "play", (element) => {
-    if (!element.muted && element.currentSrc + element.src) probe.beeps.push({ at: now() });
-  });
   before(window.AudioBufferSourceNode, "start", ({ buffer }) => {
     if (buffer && buffer.duration > 0.02) probe.beeps.push({ at: now() }); // shorter: to wake the speaker
   });
@@ -66,10 +73,8 @@ window.probe = {
       probed.add(node);
       listenTo(node);
     }
-    if (!(target instanceof AudioDestinationNode) || node.context.sampleRate !== 44100) return;
-    // What listens, and beeps, may have the same rate.
-    if (!(node instanceof AudioWorkletNode) || node.context === probe.context) return;
-    if (probe.tone?.context === node.context) return;
+    // Of the two worklets the tone's is connected last.
+    if (!(node instanceof AudioWorkletNode && target instanceof AudioDestinationNode)) return;
     probe.tone = new AnalyserNode(node.context, { fftSize: 32768 });
     node.connect(probe.tone);
   });
@@ -78,23 +83,20 @@ window.probe = {
     MediaDevices.prototype.getUserMedia = async function (wanted) {
       if (probe.away) throw new DOMException("stand-in", probe.away);
       const stream = await getUserMedia.call(this, wanted);
-      probe.streams.push({ at: now(), wanted, stream });
+      probe.wanted.push(wanted);
+      probe.streams.push(stream);
       return stream;
     };
   }
 
   // In place of a device that is pulled out and put back.
   probe.endStreams = () => {
-    for (const track of probe.streams.flatMap(({ stream }) => stream.getTracks())) {
+    for (const track of probe.streams.flatMap((stream) => stream.getTracks())) {
       track.dispatchEvent(new Event("ended"));
       track.stop();
     }
   };
   probe.tellDevices = () => navigator.mediaDevices.dispatchEvent(new Event("devicechange"));
-
-  document.addEventListener("visibilitychange", () => {
-    if (document.hidden) setTimeout(() => probe.whileHidden.push(probe.context?.state), 500);
-  });
 
   const refuse = (name) => {
     throw new DOMException("stand-in", name);
@@ -109,12 +111,14 @@ window.probe = {
   };
   standIns[new URLSearchParams(location.search).get("stand-in")]?.();
 
+  const note = () => document.querySelector('[data-outlet="noteDisplay"]').textContent;
   new MutationObserver((changes) => {
     for (const { target } of changes) {
       const element = (target.closest ? target : target.parentElement)?.closest("[data-outlet]");
       if (!element) continue;
       const { outlet: name, image: value = element.textContent } = element.dataset;
       probe.shown.push({ at: now(), name, value });
+      if (LAMP.test(name) && GREEN.test(value)) probe.greens.push({ at: now(), note: note() });
     }
   }).observe(document, {
     subtree: true,

@@ -1,12 +1,13 @@
 // What the tests put around a browser: child processes that end with the test, a web server of the
 // site for each case, and a sound server with a microphone that hears what a test plays.
-import { spawn, spawnSync } from "node:child_process";
+import { execFileSync, spawn, spawnSync } from "node:child_process";
 import { createServer } from "node:http";
 import { copyFileSync, mkdirSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from "node:fs";
-import { createServer as createSocket } from "node:net";
 import { tmpdir } from "node:os";
 import { extname, join } from "node:path";
 import { fileURLToPath } from "node:url";
+
+const PATIENCE = 30; // seconds for anything to happen, on a machine that does something else, too
 
 const root = fileURLToPath(new URL("../../..", import.meta.url));
 
@@ -21,36 +22,30 @@ process.on("exit", () => {
 });
 for (const signal of ["SIGINT", "SIGTERM", "SIGHUP"]) process.on(signal, () => process.exit(1));
 
-function make(command, ...details) {
-  const { error, status, signal, stderr } = spawnSync(command, details, { encoding: "utf8" });
-  if (error || status !== 0) throw new Error(`${command} (${signal ?? status}): ${error?.message ?? stderr}`);
-}
-
 // Makes the recording, and the site from what is built: a copy, which nobody builds anew meanwhile,
 // with the probe before the page's own scripts.
 export function prepare({ probed = true } = {}) {
   const built = (place) => join(root, "build", place);
-  make(built("release/endpin-cello"), recording);
-  make(join(root, "web/site.sh"), built("web"), built("release"), site);
+  execFileSync(built("release/endpin-cello"), [recording]);
+  execFileSync(join(root, "web/site.sh"), [built("web"), built("release"), site]);
   if (!probed) return;
   const page = readFileSync(join(site, "index.html"), "utf8");
   const withProbe = page.replace(/<meta charset[^>]*>/, '$&<script src="probe.js"></script>');
   if (withProbe === page) throw new Error("index.html has no place for the probe");
   writeFileSync(join(site, "index.html"), withProbe);
   copyFileSync(new URL("probe.js", import.meta.url), join(site, "probe.js"));
-  copyFileSync(join(root, "web/service-worker.js"), join(site, "service-worker.js"));
-  make(join(root, "web/version.sh"), site);
+  execFileSync(join(root, "web/version.sh"), [site]);
 }
 
-export async function until(what, seconds, holds) {
-  const deadline = Date.now() + 1000 * seconds;
-  let last;
+// What `holds` returns as soon as that is anything.
+export async function until(what, holds) {
+  const deadline = Date.now() + 1000 * PATIENCE;
   do {
-    last = await holds();
-    if (last) return last;
+    const held = await holds();
+    if (held) return held;
     await new Promise((resolve) => setTimeout(resolve, 40));
   } while (Date.now() < deadline);
-  throw new Error(`not within ${seconds} s: ${what}`);
+  throw new Error(`not within ${PATIENCE} s: ${what}`);
 }
 
 // Starts a program in a process group of its own. `said` is what it has written so far.
@@ -64,7 +59,7 @@ export function start(command, environment = {}) {
   const keep = (text) => (child.said = (child.said + text).slice(-20_000));
   child.stdout.on("data", keep);
   child.stderr.on("data", keep);
-  child.on("error", (error) => keep(`${error}`));
+  child.on("error", keep);
   running.add(child);
   return child;
 }
@@ -81,46 +76,27 @@ export function stop(child) {
 
 // What `child` says of this kind, as soon as it does.
 export function heard(child, pattern) {
-  return until(`${child.spawnargs[3]} says ${pattern}`, 30, () => {
+  return until(`${child.spawnargs[3]} says ${pattern}`, () => {
     if (child.exitCode !== null) throw new Error(`${child.spawnargs[3]} ended: ${child.said}`);
     return child.said.match(pattern);
   });
 }
 
-export function freePort() {
-  return new Promise((resolve) => {
-    const socket = createSocket().listen(0, "127.0.0.1", () => {
-      const { port } = socket.address();
-      socket.close(() => resolve(port));
-    });
-  });
-}
-
 // Types by suffix: those that the server for people knows, and those that its configuration adds.
-const TYPES = Object.fromEntries([
-  [".html", "text/html"],
-  [".css", "text/css"],
-  [".png", "image/png"],
-  ...readFileSync(new URL("../../../web/httpd.conf", import.meta.url), "utf8")
-    .split("\n")
-    .filter((line) => line.startsWith("."))
-    .map((line) => line.split(":")),
-]);
+const TYPES = { ".html": "text/html", ".css": "text/css", ".png": "image/png" };
+const configuration = readFileSync(join(root, "web/httpd.conf"), "utf8");
+for (const [, suffix, type] of configuration.matchAll(/^(\.\w+):(.+)$/gm)) TYPES[suffix] = type;
 
-// The site on a port of its own, and so for the browser an origin where nobody has been. `broken`:
-// paths that are answered by these bytes, or by an error when there are none. `held`: a path that is
-// answered only after release().
-export async function serve({ broken = {}, held = "" } = {}) {
-  let release;
-  const released = new Promise((resolve) => (release = resolve));
+// The site on a port of its own, and so for the browser an origin where nobody has been. `broken`, by
+// path, makes of a file's bytes those that are sent, or a promise of them.
+export async function serve({ broken = {} } = {}) {
   const server = createServer(async (request, answer) => {
     const path = new URL(request.url, "http://site").pathname.replace(/\/$/, "/index.html");
     try {
-      if (path === held) await released;
-      const body = path in broken ? broken[path] : readFileSync(join(site, path));
+      const file = readFileSync(join(site, path));
+      const body = path in broken ? await broken[path](file) : file;
       const type = TYPES[extname(path)] ?? "application/octet-stream";
-      answer.writeHead(body === null ? 500 : 200, { "content-type": type, "cache-control": "no-cache" });
-      answer.end(body);
+      answer.writeHead(200, { "content-type": type, "cache-control": "no-cache" }).end(body);
     } catch {
       answer.writeHead(404).end();
     }
@@ -129,13 +105,14 @@ export async function serve({ broken = {}, held = "" } = {}) {
   return {
     url: `http://localhost:${server.address().port}/`,
     broken, // may change meanwhile
-    release,
     close: () => {
       server.close();
       server.closeAllConnections();
     },
   };
 }
+
+const MICROPHONE = "module-remap-source source_name=virtmic master=micfeed.monitor";
 
 // A private PulseAudio: a speaker that goes nowhere, and a microphone that hears what is played.
 export class SoundServer {
@@ -144,10 +121,7 @@ export class SoundServer {
     const home = join(folder, "sound");
     mkdirSync(home, { mode: 0o700 });
     const socket = join(home, "socket");
-    server.environment = { PULSE_SERVER: `unix:${socket}` };
-    for (const name of ["HOME", "XDG_RUNTIME_DIR", "PULSE_RUNTIME_PATH", "PULSE_STATE_PATH"]) {
-      server.environment[name] = home;
-    }
+    server.environment = { HOME: home, XDG_RUNTIME_DIR: home, PULSE_SERVER: `unix:${socket}` };
     const modules = [
       `module-native-protocol-unix auth-anonymous=1 auth-cookie-enabled=0 socket=${socket}`,
       "module-null-sink sink_name=speaker norewinds=1 rate=48000",
@@ -158,24 +132,21 @@ export class SoundServer {
     options.push("--disable-shm=yes", "--realtime=no", "--high-priority=no");
     const loads = modules.flatMap((module) => ["-L", module]);
     start(["nice", "-n", "-15", "pulseaudio", "-n", ...options, ...loads], server.environment);
-    await until("the sound server answers", 20, () => server.control("info"));
-    server.control("set-default-sink speaker");
+    await until("the sound server answers", () => server.control("set-default-sink speaker"));
     server.control("set-default-source virtmic");
     return server;
   }
 
   control(words) {
     const options = { env: { ...process.env, ...this.environment }, timeout: 5000 };
-    return spawnSync("sh", ["-c", `pactl ${words}`], options).status === 0;
+    return spawnSync("pactl", words.split(" "), options).status === 0;
   }
 
-  // Plays a file into the microphone from now on. Returns when that was, in milliseconds.
+  // Plays a file into the microphone from now on.
   play(file) {
     this.silence();
-    const begun = Date.now();
     const command = ["nice", "-n", "-15", "paplay", "--latency-msec=300", "--device=micfeed", file];
     this.player = start(command, this.environment);
-    return begun;
   }
   silence() {
     if (this.player) stop(this.player);
@@ -189,4 +160,3 @@ export class SoundServer {
     this.control("set-default-source virtmic");
   }
 }
-const MICROPHONE = "module-remap-source source_name=virtmic master=micfeed.monitor";

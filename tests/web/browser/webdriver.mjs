@@ -2,6 +2,8 @@
 // socket, which takes the same commands under other names: no driver between, which Debian has not.
 import { connect } from "node:net";
 
+import { stop, until } from "./surroundings.mjs";
+
 const ELEMENT = "element-6066-11e4-a52e-4f735466cecf";
 
 // Each command: method, path and, for Firefox, name. What stands in braces is a parameter.
@@ -10,7 +12,6 @@ const COMMANDS = {
   end: ["DELETE", "/{session}", "DeleteSession"],
   limits: ["POST", "/{session}/timeouts", "SetTimeouts"],
   go: ["POST", "/{session}/url", "Navigate"],
-  reload: ["POST", "/{session}/refresh", "Refresh"],
   run: ["POST", "/{session}/execute/async", "ExecuteAsyncScript"],
   find: ["POST", "/{session}/elements", "FindElements"],
   click: ["POST", "/{session}/element/{id}/click", "ElementClick"],
@@ -33,7 +34,7 @@ function refusal(command, { error, message }) {
 
 function overHttp(port) {
   let session = "";
-  const send = async (command, { id, ...body } = {}) => {
+  return async (command, { id, ...body } = {}) => {
     const [method, pattern] = COMMANDS[command];
     const path = pattern.replace("{session}", session).replace("{id}", id);
     const answer = await fetch(`http://127.0.0.1:${port}/session${path}`, {
@@ -47,69 +48,66 @@ function overHttp(port) {
     if (command === "begin") session = value.sessionId;
     return value;
   };
-  return { send, close: () => {} };
 }
 
-// A message is its length, a colon, and JSON: [0, number, command, parameters], answered by
-// [1, number, error, result].
-async function overSocket(port) {
-  const socket = connect(port, "127.0.0.1");
-  const waiting = new Map();
-  let next = 0;
+// Messages as Firefox writes them: the length in bytes, a colon, and JSON.
+async function* messagesFrom(socket) {
   let rest = Buffer.alloc(0);
-  const failAll = (error) => {
-    for (const { reject } of waiting.values()) reject(error);
-    waiting.clear();
-  };
-  socket.on("error", failAll);
-  socket.on("close", () => failAll(new Error("the browser has gone")));
-  const greeted = new Promise((resolve, reject) => waiting.set("greeting", { resolve, reject }));
-  const receive = (message) => {
-    if (!Array.isArray(message)) return waiting.get("greeting").resolve();
-    const [, number, error, result] = message;
-    const { command, resolve, reject } = waiting.get(number);
-    waiting.delete(number);
-    if (error) return reject(refusal(command, error));
-    resolve(result !== null && "value" in result ? result.value : result);
-  };
-  socket.on("data", (data) => {
+  for await (const data of socket) {
     rest = Buffer.concat([rest, data]);
-    for (;;) {
-      const colon = rest.indexOf(":");
-      const end = colon + 1 + Number(rest.subarray(0, Math.max(colon, 0)));
-      if (colon < 0 || rest.length < end) return;
-      receive(JSON.parse(rest.subarray(colon + 1, end)));
+    for (let colon; (colon = rest.indexOf(":")) > 0; ) {
+      const end = colon + 1 + Number(rest.subarray(0, colon));
+      if (rest.length < end) break;
+      yield JSON.parse(rest.subarray(colon + 1, end));
       rest = rest.subarray(end);
     }
-  });
-  await greeted;
-  waiting.delete("greeting");
-  const send = (command, parameters = {}) =>
-    new Promise((resolve, reject) => {
-      waiting.set(++next, { command, resolve, reject });
-      const text = JSON.stringify([0, next, `WebDriver:${COMMANDS[command][2]}`, parameters]);
-      socket.write(`${Buffer.byteLength(text)}:${text}`);
-    });
-  return { send, close: () => socket.destroy() };
+  }
+  throw new Error("the browser has gone");
+}
+
+// After a greeting, [0, number, command, parameters] is answered by [1, number, error, result].
+async function overSocket(port) {
+  const socket = connect(port, "127.0.0.1");
+  const messages = messagesFrom(socket);
+  await messages.next();
+  let last = 0;
+  return async (command, parameters = {}) => {
+    const number = ++last;
+    const text = JSON.stringify([0, number, `WebDriver:${COMMANDS[command][2]}`, parameters]);
+    socket.write(`${Buffer.byteLength(text)}:${text}`);
+    for (;;) {
+      const [, answered, error, result] = (await messages.next()).value;
+      if (answered !== number) continue; // to one that nobody waited for
+      if (error) throw refusal(command, error);
+      return result !== null && "value" in result ? result.value : result;
+    }
+  };
 }
 
 export class Browser {
-  static async begin({ port, socket = false, capabilities }) {
-    const { send, close } = await (socket ? overSocket(port) : overHttp(port));
+  // `programs` were started for it, and end with it.
+  static async begin({ programs, port, socket = false, capabilities = {} }) {
     const browser = new Browser();
-    Object.assign(browser, { send, close });
-    const asked = socket ? capabilities : { capabilities: { alwaysMatch: capabilities } };
-    const begun = await send("begin", asked);
-    browser.version = begun.capabilities.browserVersion;
-    await send("limits", { script: 30_000, pageLoad: 30_000, implicit: 0 });
-    return browser;
+    browser.programs = programs;
+    try {
+      browser.send = await (socket ? overSocket(port) : overHttp(port));
+      const begun = await browser.send("begin", { capabilities: { alwaysMatch: capabilities } });
+      browser.version = begun.capabilities.browserVersion;
+      await browser.send("limits", { script: 30_000, pageLoad: 30_000, implicit: 0 });
+      return browser;
+    } catch (error) {
+      programs.forEach(stop);
+      throw new Error(`${error.message}\n${programs.map(({ said }) => said).join("\n")}`);
+    }
+  }
+
+  async end() {
+    await this.send("end").catch(() => {});
+    this.programs.forEach(stop);
   }
 
   go(url) {
     return this.send("go", { url });
-  }
-  reload() {
-    return this.send("reload");
   }
 
   // Runs a function in the page, which sees only its arguments, and returns what it returns or
@@ -128,18 +126,15 @@ export class Browser {
     return found.map((element) => element[ELEMENT]);
   }
 
-  // As a user clicks: a gesture that browsers trust.
+  // As a user clicks: a gesture that browsers trust. Not before what fades out above it has gone.
   async tap(css) {
     const [id] = await this.all(css);
     if (!id) throw new Error(`there is no ${css} to tap`);
-    for (const deadline = Date.now() + 5000; ; ) {
-      try {
-        return await this.send("click", { id });
-      } catch (error) {
-        // Something still fades out above it.
-        if (!/intercept|not interactable/.test(error.message) || Date.now() > deadline) throw error;
-      }
-    }
+    await until(`${css} can be tapped`, () =>
+      this.send("click", { id }).then(() => true, (error) => {
+        if (!/intercept|not interactable/.test(error.message)) throw error;
+      }),
+    );
   }
 
   async press(key) {
@@ -151,16 +146,8 @@ export class Browser {
   async spoken(css) {
     const elements = [];
     for (const id of await this.all(css)) {
-      elements.push({
-        role: await this.send("role", { id }),
-        name: await this.send("label", { id }),
-      });
+      elements.push({ role: await this.send("role", { id }), name: await this.send("label", { id }) });
     }
     return elements;
-  }
-
-  async end() {
-    await this.send("end").catch(() => {});
-    this.close();
   }
 }
