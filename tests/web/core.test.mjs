@@ -29,7 +29,7 @@ class Storage {
 async function started({ storage = new Storage(), ...size } = {}) {
   const tuner = await Tuner.load(core, { texts: german, storage });
   const told = [];
-  for (const name of ["Tone", "Listen", "UseMicrophone", "KeepAwake", "SettingsLost"]) {
+  for (const name of ["Listen", "UseMicrophone", "KeepAwake", "SettingsLost"]) {
     tuner[`on${name}`] = (what) => told.push([name, what]);
   }
   let now = 1000;
@@ -138,15 +138,6 @@ test("after a pause timers go on, and nothing is replayed", async () => {
   assert.equal(wait(0), next);
   wait(0.1);
   assert.equal(level(), loud - 2);
-});
-
-test("the tone is told when it starts, changes and stops", async () => {
-  const { perform, told } = await started();
-  told.length = 0;
-  for (const action of ["setA415", "playA3", "playA3", "playC2", "returnToMainScreen"]) perform(action);
-  const tones = told.filter(([name]) => name === "Tone").map(([, tone]) => tone);
-  assert.deepEqual(tones.map(({ playing }) => playing), [true, true, false]);
-  assert.equal(tones[0].frequency, 207.5);
 });
 
 test("what the page knows of the microphones is shown", async () => {

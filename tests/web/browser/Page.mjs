@@ -152,18 +152,6 @@ export class Page {
     );
   }
 
-  // How many different colours there are in a picture (PNG, as base64).
-  coloursOf(picture) {
-    return this.browser.run(async (picture) => {
-      const bytes = Uint8Array.from(atob(picture), (letter) => letter.charCodeAt(0));
-      const bitmap = await createImageBitmap(new Blob([bytes], { type: "image/png" }));
-      const context = new OffscreenCanvas(bitmap.width, bitmap.height).getContext("2d");
-      context.drawImage(bitmap, 0, 0);
-      const { data } = context.getImageData(0, 0, bitmap.width, bitmap.height);
-      return new Set(new Uint32Array(data.buffer)).size;
-    }, picture);
-  }
-
   // The buttons and texts that reach beyond the window, with their places. A line may: it is higher
   // than its letters.
   outside() {

@@ -269,7 +269,7 @@ export const cases = [
       assert.deepEqual(await page.browser.spoken(START), [{ role: "button", name: en.TapToListen }]);
       const focused = () => page.browser.run((start) => document.activeElement.matches(start), START);
       if (!(await focused())) await page.browser.press(TAB);
-      assert.ok(await focused(), "the button is the first to get the focus");
+      await until("the button is the first to get the focus", focused);
       await page.start(() => page.browser.press(ENTER));
       const inTune = NOTES.map((note) => en.NoteInTune.replace("%@", note));
       await until("the lamp speaks of a string", async () =>
@@ -307,10 +307,9 @@ export const cases = [
         let outside;
         const fits = async () => (outside = await page.outside()).length === 0;
         await until("all is laid out", fits).catch(() => assert.deepEqual(outside, [], `${name}: ${size}`));
-        const picture = await page.browser.send("screenshot", { full: false });
-        writeFileSync(`${SCREENS}${page.engine.name}-${name}.png`, picture, "base64");
-        const colours = await page.coloursOf(picture);
-        assert.ok(colours > 200, `${name}: ${colours} colours`);
+        const picture = Buffer.from(await page.browser.send("screenshot", { full: false }), "base64");
+        writeFileSync(`${SCREENS}${page.engine.name}-${name}.png`, picture);
+        assert.ok(picture.length > 50_000, `${name}: as little to see as in an empty room`);
         if (`${size}` !== `${[width, height]}`) page.remarks.push(`${name} is ${size} here`);
       }
       page.remarks.push(`pictures in ${SCREENS}`);

@@ -86,14 +86,6 @@ export const chromium = {
   },
 };
 
-const FIREFOX_PREFERENCES = {
-  "marionette.port": 0,
-  "media.autoplay.default": 1, // only after a gesture
-  "datareporting.policy.dataSubmissionEnabled": false,
-  "app.update.enabled": false,
-  "browser.shell.checkDefaultBrowser": false,
-};
-
 export const firefox = {
   name: "firefox",
   noticesDevices: true,
@@ -103,9 +95,12 @@ export const firefox = {
   sound: true,
   async begin({ sound, microphone = "granted" }) {
     const home = newHome();
-    const preferences = { ...FIREFOX_PREFERENCES };
-    if (microphone !== "refused") preferences["media.navigator.permission.disabled"] = true;
-    else preferences["permissions.default.microphone"] = 2;
+    const preferences = {
+      "marionette.port": 0,
+      "media.autoplay.default": 1, // only after a gesture
+      "media.navigator.permission.disabled": microphone !== "refused",
+      "permissions.default.microphone": microphone === "refused" ? 2 : 0,
+    };
     const lines = Object.entries(preferences).map(
       ([name, value]) => `user_pref("${name}", ${JSON.stringify(value)});`,
     );

@@ -21,18 +21,19 @@ window.probe = {
   const LAMP = /^LEDDisplay(128)?$/; // whichever of the two the layout has
   const GREEN = /^green(64|128)\.png$/;
   const fault = (text) => probe.faults.push(String(text));
+  const refuse = (name) => {
+    throw new DOMException("stand-in", name);
+  };
 
   // Puts `work` before a method: it sees this and the arguments.
   const before = (owner, method, work) => {
-    const original = owner?.prototype[method];
-    if (!original) return;
+    const original = owner.prototype[method];
     owner.prototype[method] = function (...details) {
       work(this, ...details);
       return original.apply(this, details);
     };
   };
 
-  const probed = new WeakSet();
   const listenTo = (source) => {
     probe.context = source.context;
     const analyser = new AnalyserNode(source.context, { fftSize: 1024 });
@@ -69,25 +70,20 @@ window.probe = {
     if (buffer && buffer.duration > 0.02) probe.beeps.push({ at: now() }); // shorter: to wake the speaker
   });
   before(window.AudioNode, "connect", (node, target) => {
-    if (node instanceof MediaStreamAudioSourceNode && !probed.has(node)) {
-      probed.add(node);
-      listenTo(node);
-    }
+    if (node instanceof MediaStreamAudioSourceNode && !(target instanceof AnalyserNode)) listenTo(node);
     // Of the two worklets the tone's is connected last.
     if (!(node instanceof AudioWorkletNode && target instanceof AudioDestinationNode)) return;
     probe.tone = new AnalyserNode(node.context, { fftSize: 32768 });
     node.connect(probe.tone);
   });
-  const { getUserMedia } = window.MediaDevices?.prototype ?? {};
-  if (getUserMedia) {
-    MediaDevices.prototype.getUserMedia = async function (wanted) {
-      if (probe.away) throw new DOMException("stand-in", probe.away);
-      const stream = await getUserMedia.call(this, wanted);
-      probe.wanted.push(wanted);
-      probe.streams.push(stream);
-      return stream;
-    };
-  }
+  const { getUserMedia } = MediaDevices.prototype;
+  MediaDevices.prototype.getUserMedia = async function (wanted) {
+    if (probe.away) refuse(probe.away);
+    const stream = await getUserMedia.call(this, wanted);
+    probe.wanted.push(wanted);
+    probe.streams.push(stream);
+    return stream;
+  };
 
   // In place of a device that is pulled out and put back.
   probe.endStreams = () => {
@@ -98,9 +94,6 @@ window.probe = {
   };
   probe.tellDevices = () => navigator.mediaDevices.dispatchEvent(new Event("devicechange"));
 
-  const refuse = (name) => {
-    throw new DOMException("stand-in", name);
-  };
   const standIns = {
     "microphone-refused": () => (probe.away = "NotAllowedError"),
     "microphone-missing": () => (probe.away = "NotFoundError"),

@@ -59,7 +59,6 @@ export function start(command, environment = {}) {
   const keep = (text) => (child.said = (child.said + text).slice(-20_000));
   child.stdout.on("data", keep);
   child.stderr.on("data", keep);
-  child.on("error", keep);
   running.add(child);
   return child;
 }
