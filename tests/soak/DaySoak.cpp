@@ -8,354 +8,237 @@
 #include <cmath>
 #include <random>
 
-#include "adapters/bundle/FileBundle.h"
 #include "app/Application.h"
 #include "app/ScreenTable.h"
 #include "audio/CaptureFormat.h"
 #include "audio/CaptureQueue.h"
+#include "calibration/StringFrequencies.h"
 #include "tests/fakes/FakePlatform.h"
 #include "tests/support/Tone.h"
 
 namespace endpin::soak {
 namespace {
 
-// For labels whose texts differ in length and settings that are written late.
-constexpr double kHeapMargin = 2048;  // bytes
+constexpr double kHeapMargin = 2048;           // bytes: labels whose texts differ in length
+constexpr double kBin = kCaptureRate / 32768;  // hertz that the tuner tells apart
+constexpr double kHeard = 1.19;                // seconds: by then a whole block is of the passage
+constexpr double kBeepRearm = 15.2;            // seconds, and a tick
+constexpr double kQuiet = 0.0015;              // levels: below the least sensitivity …
+constexpr double kLoud = 0.02;                 // … and above the greatest
 
-constexpr std::array<const char*, 4> kNotes = {"A3", "D3", "G2", "C2"};
-
-// Equal seeds give equal scripts on every machine, which the distributions of the standard library
-// do not promise.
-class Dice {
+// The application as it is at its tenth launch, on a platform in memory, whose fakes forget what
+// they keep of the calls tick by tick.
+class Day final : AudioInput {
  public:
-  explicit Dice(std::uint32_t seed) : engine_(seed) {}
-
-  std::size_t below(std::size_t sides) { return engine_() % sides; }
-  bool chance(double probability) { return between(0, 1) < probability; }
-  double between(double low, double high) {
-    return low + (high - low) * static_cast<double>(engine_()) / 4294967296.0;
+  explicit Day(std::uint32_t seed) : dice_(seed) {
+    settings_.setInteger("numberOfRuns", 9);
+    settings_.setBool("soundNotificationEnabled", true);
+    settings_.setInteger("a4InHzSavedValue", 440);
+    settings_.setBool("NewFirstLaunchCello", true);
+    application_.launch();
   }
-  // As often from 1 to 10 as from 10 to 100.
-  double ratioBetween(double low, double high) { return low * std::pow(high / low, between(0, 1)); }
-
- private:
-  std::mt19937 engine_;
-};
-
-// The application as it is at its tenth launch, on a platform in memory. What the fakes keep of the
-// calls is forgotten tick by tick.
-struct World : AudioInput {
-  World() {
-    settings.setInteger("numberOfRuns", 9);
-    settings.setBool("soundNotificationEnabled", true);
-    settings.setInteger("a4InHzSavedValue", 440);
-    settings.setBool("NewFirstLaunchCello", true);
-    application.launch();
-  }
-
-  [[nodiscard]] double now() const { return static_cast<double>(ticks) / 10; }  // seconds
-
-  // Plays and runs the next tenth of a second with its tick.
-  void tick() {
-    const auto due = ++ticks * kCaptureRateDoubled / 20;
-    std::vector<std::int16_t> captured(due - std::exchange(samples, due));
-    const auto part = toPlay.first(std::min(toPlay.size(), captured.size()));
-    std::copy(part.begin(), part.end(), captured.begin());
-    toPlay = toPlay.subspan(part.size());
-    microphone->deliver(captured);
-    fakes.runLoop.runUntil(now());
-    fakes.runLoop.delayed.clear();
-    fakes.session.calls.clear();
-    fakes.log.lines.clear();
-  }
-
-  std::unique_ptr<AudioInputQueue> newInput(const AudioStreamFormat& /*format*/,
-                                            AudioInputCallback callback, void* userData) override {
-    auto queue = std::make_unique<CaptureQueue>(callback, userData);
-    microphone = queue.get();
-    return queue;
-  }
-
-  std::span<const std::int16_t> toPlay;  // silence follows
-  CaptureQueue* microphone = nullptr;    // the listener's
-  std::uint64_t ticks = 0, samples = 0;
-  fakes::FakePlatform fakes;
-  MemoryStore settings;
-  FileBundle bundle{{ENDPIN_RESOURCES, "en", "1.0"}, fakes.log};
-  Platform platform{*this,    fakes.session, fakes.players, fakes.output, fakes.runLoop,
-                    settings, fakes.device,  bundle,        fakes.log};
-  Application application{platform, false};
-  ViewController& controller = application.controller();
-};
-
-// What happens, by a seeded script, and what the user knows of it.
-struct Script {
-  enum class Kind { Noise, Thin, Bowed };  // noise of level 0 is silence
-
-  // Hertz.
-  [[nodiscard]] double pitchOf(std::size_t string) const {
-    constexpr std::array<int, 4> kBelowA4 = {12, 19, 26, 33};  // semitones
-    return a4 * std::exp2(-kBelowA4[string] / 12.0);
-  }
-
-  // Does what is due now. Between two ticks.
-  void follow() {
-    if (world.now() >= passageEnds) nextPassage();
-    if (world.now() < nextPress) return;
-    press(dice.below(7));
-    nextPress = world.now() + dice.ratioBetween(1, 60);
-  }
-
-  void nextPassage() {
-    const double what = dice.between(0, 1);
-    const double seconds = dice.ratioBetween(0.3, 12);
-    const double loudness = dice.ratioBetween(0.001, 0.3);
-    if (what < 0.55) {
-      // Half of them in tune, the others off by 3 to 30 cents; some clipped.
-      const double cents = dice.ratioBetween(3, 30) * (dice.chance(0.5) ? 1 : -1);
-      const double pitch =
-          pitchOf(dice.below(4)) * (dice.chance(0.5) ? 1 : std::exp2(cents / 1200));
-      play(Kind::Bowed, seconds, dice.chance(0.05) ? 3 : loudness, pitch);
-    } else if (what < 0.8) {
-      play(what < 0.65 ? Kind::Thin : Kind::Noise, seconds, loudness, dice.ratioBetween(500, 1400));
-    } else {
-      play(Kind::Noise, seconds);
-    }
-  }
-
-  void play(Kind newKind, double seconds, double newLevel = 0, double newFrequency = 0) {
-    using namespace testing;
-    constexpr double kRate = kCaptureRate;
-    kind = newKind;
-    level = newLevel;
-    frequency = newFrequency;
-    since = world.now();
-    passageEnds = since + seconds;
-    seconds += 0.1;  // the tick before the next one
-    sound = toS16(kind == Kind::Bowed ? bowedTone(kRate, seconds, frequency, level)
-                  : kind == Kind::Thin
-                      ? scaledToRms(harmonics(kRate, seconds, frequency, {3, 2, 1}), level)
-                      : noise(kRate, seconds, level, static_cast<std::uint32_t>(world.ticks)));
-    world.toPlay = sound;
-  }
-
-  void press(std::size_t what) {
-    ViewController& view = world.controller;
-    switch (what) {
-      case 0:
-        return choosePreset(dice.below(9));
-      case 1:
-        a4Shown = std::floor(dice.between(380, 480));
-        view.setFrequencyValueStepper.setValue(a4Shown);
-        return act("setFrequencyValue", &view.setFrequencyValueStepper);
-      case 2:
-        view.micSensitivitySlider.setValue(dice.between(0, 10));
-        return act("micSensitivity", &view.micSensitivitySlider);
-      case 3:
-        return flip("soundNotificationAction", view.soundNotificationSwitch);
-      case 4:
-        flip("toggleFreqChart", view.freqChartSwitch);
-        view.displayChart();
-        return flip("toggleStringSounds", view.stringSoundsSwitch);
-      case 5:
-        view.displayAboutText();
-        return view.localizeSettings();
-      default:
-        world.fakes.session.volume = static_cast<float>(dice.between(0, 1));
-    }
-  }
-
-  void act(std::string_view name, View* sender = nullptr) {
-    perform(*actionNamed(name), world.controller, sender);
-  }
-  void flip(std::string_view action, Switch& control) {
-    control.setOn(!control.isOn());
-    act(action, &control);
-  }
-  void choosePreset(std::size_t which) {
-    constexpr std::array<int, 9> kPitches = {392, 415, 432, 440, 441, 442, 443, 444, 466};
-    act(fmt::format("setA{}", kPitches[which]));
-    a4 = a4Shown = kPitches[which];
-    rings = {};
-  }
-  // Silence, and everything as at the beginning: for figures of equal states.
-  void rest() {
-    play(Kind::Noise, 0);
-    choosePreset(3);
-    if (!beeps()) press(3);
-  }
-  [[nodiscard]] bool beeps() const { return world.controller.soundNotificationSwitch.isOn(); }
-
-  World& world;
-  Dice dice;
-  Kind kind = Kind::Noise;
-  double level = 0;
-  double frequency = 0;         // hertz
-  double since = 0;             // seconds
-  double a4Shown = 440;         // hertz
-  double a4 = 440;              // that the strings are tuned to: of the last preset
-  std::array<bool, 4> rings{};  // lit, since the last preset
-  double passageEnds = 0;       // seconds
-  double nextPress = 5;         // seconds
-  std::vector<std::int16_t> sound{};
-};
-
-class Day {
- public:
-  explicit Day(std::uint32_t seed) : script_{.world = world_, .dice = Dice(seed)} {}
 
   int run(double hours) {
     const double part = std::min(1.0, hours / 4);
-    double heldFirst = 0;
-    double held = 0;
+    double heldFirst = 0, held = 0;
     for (double played = part; played < hours + part / 2; played += part) {
       for (double tick = 0; tick < part * 36000; ++tick) {
         step();
-        script_.follow();
+        if (now() >= passageEnds_) nextPassage();
+        if (now() >= nextPress_) press();
       }
       held = rest();
-      fmt::print("  at {:.2f} h: {} beeps, {:.0f} bytes\n", world_.now() / 3600, plays(), held);
+      fmt::print("  at {:.2f} h: {} beeps, {:.0f} bytes\n", now() / 3600, beeps_, held);
       std::fflush(stdout);
       if (heldFirst == 0) heldFirst = held;
     }
-    fmt::print("  {} ticks, in tune by string: {}\n", world_.ticks, fmt::join(inTune_, " "));
+    fmt::print("  {} ticks, in tune by string: {}\n", ticks_, fmt::join(inTune_, " "));
     atMost("strings never judged in tune", std::count(inTune_.begin(), inTune_.end(), 0), 2);
     atMost("contradictions", complaints_, 0);
-    atMost("blocks lost", world_.microphone->lostBlocks(), 0);
-    atMost("timers", world_.fakes.runLoop.timers.size(), 2);
+    atMost("blocks lost", microphone_->lostBlocks(), 0);
+    atMost("timers", fakes_.runLoop.timers.size(), 2);
     atMost("bytes held at the end beyond the first part", held - heldFirst, kHeapMargin);
     return kept_ ? 0 : 1;
   }
 
  private:
-  using Kind = Script::Kind;
-  static constexpr double kBin = kCaptureRate / 32768;  // hertz that the tuner tells apart
-  static constexpr double kHeard = 1.19;      // seconds: by then a whole block is of the passage
-  static constexpr double kBeepRearm = 15.2;  // seconds, and a tick
-  static constexpr double kQuiet = 0.0015;    // levels: below the least sensitivity …
-  static constexpr double kLoud = 0.02;       // … and above the greatest
+  // --- What happens, by a seeded script. Equal seeds give equal scripts on every machine, which
+  // the distributions of the standard library do not promise.
 
-  void atMost(const char* what, auto figure, double bound) {
-    const bool kept = static_cast<double>(figure) <= bound;
-    kept_ = kept_ && kept;
-    fmt::print("  {:<46} {} (at most {}){}\n", what, figure, bound, kept ? "" : "  BROKEN");
+  double between(double low, double high) {
+    return low + (high - low) * static_cast<double>(dice_()) / 4294967296.0;
+  }
+  // As often from 1 to 10 as from 10 to 100.
+  double ratioBetween(double low, double high) { return low * std::pow(high / low, between(0, 1)); }
+
+  [[nodiscard]] double now() const { return static_cast<double>(ticks_) / 10; }  // seconds
+
+  // More than half of them strings, half of those in tune, the others off by 3 to 30 cents; some
+  // clipped.
+  void nextPassage() {
+    const double what = between(0, 1);
+    const double seconds = ratioBetween(0.3, 12);
+    const double level = ratioBetween(0.001, 0.3);
+    if (what > 0.55) return play(seconds, what < 0.8 ? level : 0);
+    const int sign = between(0, 1) < 0.5 ? 1 : -1;
+    const double cents = sign * ratioBetween(3, 30);
+    const double pitch = pitches_[dice_() % 4];
+    const bool clipped = between(0, 1) < 0.05;
+    const bool inTune = between(0, 1) < 0.5;
+    play(seconds, clipped ? 3 : level, inTune ? pitch : testing::raisedByCents(pitch, cents));
   }
 
+  // A bowed string, or noise; of level 0 it is silence.
+  void play(double seconds, double level, double frequency = 0) {
+    level_ = level;
+    frequency_ = frequency;
+    since_ = now();
+    passageEnds_ = since_ + seconds;
+    seconds += 0.1;  // the tick before the next one
+    sound_ =
+        testing::toS16(frequency > 0 ? testing::bowedTone(kCaptureRate, seconds, frequency, level)
+                                     : testing::noise(kCaptureRate, seconds, level,
+                                                      static_cast<unsigned>(ticks_)));
+    toPlay_ = sound_;
+  }
+
+  void press() {
+    nextPress_ = now() + ratioBetween(1, 60);
+    switch (dice_() % 6) {
+      case 0:
+        return choosePreset(kPresets[dice_() % 9].a4InHz);
+      case 1:
+        screen_.setFrequencyValueStepper.setValue(std::floor(between(380, 480)));
+        return screen_.setFrequencyValue(screen_.setFrequencyValueStepper);
+      case 2:
+        screen_.micSensitivitySlider.setValue(between(0, 10));
+        return screen_.micSensitivity(screen_.micSensitivitySlider);
+      case 3:
+        return switchBeep(!beepIsOn());
+      case 4:
+        screen_.displayChart();
+        screen_.displayAboutText();
+        return screen_.localizeSettings();
+      default:
+        fakes_.session.volume = static_cast<float>(between(0, 1));
+    }
+  }
+  void switchBeep(bool on) {
+    screen_.soundNotificationSwitch.setOn(on);
+    screen_.soundNotificationAction(screen_.soundNotificationSwitch);
+  }
+  void choosePreset(std::int64_t a4) {
+    pitches_ = stringFrequencies(a4);
+    perform(*actionNamed(fmt::format("setA{}", a4)), screen_, nullptr);
+  }
+
+  // A string, once nothing delayed is left of what was before, and silence again; everything else
+  // as at the beginning. Returns the bytes held in the end.
+  double rest() {
+    choosePreset(440);
+    switchBeep(true);
+    play(20, 0);
+    expect(beepsIn(200) <= 1, "a beep in silence");  // of the block that was under way
+    play(20, 0.1, pitches_[0]);
+    expect(beepsIn(60) > 0 && beepsIn(90) == 0 && beepsIn(50) > 0, "no beep, or too many");
+    play(20, 0);
+    beepsIn(200);
+    return static_cast<double>(mallinfo2().uordblks);
+  }
+  int beepsIn(int ticks) {
+    const int before = beeps_;
+    for (int i = 0; i < ticks; ++i) step();
+    return beeps_ - before;
+  }
+
+  // --- A tenth of a second with its tick, and what is seen of it.
+
   void step() {
-    world_.tick();
-    judgePictures();
-    judgeNewLights();
-    judgeSound();
-    judgeBeep();
-    judgeControls();
+    const auto due = ++ticks_ * kCaptureRateDoubled / 20;
+    std::vector<std::int16_t> captured(due - std::exchange(samples_, due));
+    const auto part = toPlay_.first(std::min(toPlay_.size(), captured.size()));
+    std::copy(part.begin(), part.end(), captured.begin());
+    toPlay_ = toPlay_.subspan(part.size());
+    microphone_->deliver(captured);
+    fakes_.runLoop.runUntil(now());
+    fakes_.runLoop.delayed.clear();
+    fakes_.session.calls.clear();
+    fakes_.log.lines.clear();
+    judge();
+  }
+
+  void judge() {
+    const bool green = screen_.LEDDisplay.image() == "green64.png";
+    const bool lit = std::exchange(green_, green ? note_ : "") != green_ && green;
+    const int beeps = fakes_.players.plays - std::exchange(beeps_, fakes_.players.plays);
+    if (beeps > 0) lastBeep_ = now();
+    expect(beeps == 0 || (beeps == 1 && beepIsOn() && green), "a beep for nothing");
+    const double age = now() - since_;
+    if (level_ < kQuiet && age > 0.25) {
+      expect(!green && shown_.empty() && note_.empty(), "something is lit in silence");
+    }
+    if (age > kHeard && level_ > kLoud && frequency_ > 0) judgeString(lit);
+  }
+
+  void judgeString(bool lit) {
+    const auto near = [this](double hertz) {  // to half a band, half a bin and a rounding
+      return std::abs(hertz - frequency_) <= hertz / 850 + 0.16;
+    };
+    expect(near(std::strtod(shown_.c_str(), nullptr)), "a frequency that is not played");
+    for (std::size_t string = 0; string < 4; ++string) {
+      const double pitch = pitches_[string];
+      const bool named = green_ == kStringNotes[string];
+      expect(!(lit && named) || near(pitch), "green for what is not played");
+      // In tune, where the bin that the pitch falls into is well inside the band.
+      const double offBin = std::abs(kBin * std::round(pitch / kBin) - pitch);
+      if (std::abs(frequency_ - pitch) > 1e-6 || offBin > std::min(0.45 * kBin, pitch / 1000))
+        continue;
+      ++inTune_[string];
+      expect(named && shown_ == fmt::format("{:.1f}Hz", pitch), "a string in tune not shown so");
+      expect(!beepIsOn() || now() - lastBeep_ < kBeepRearm, "a beep is missing");
+    }
   }
 
   void expect(bool held, const char* complaint) {
     constexpr int kTold = 10;
     if (held || complaints_++ >= kTold) return;
-    fmt::print("  at {:.1f} s, {:.2f} Hz, '{}' '{}': {}\n", world_.now(), script_.frequency, shown_,
-               note_, complaint);
+    fmt::print("  at {:.1f} s, {:.2f} Hz, '{}' '{}': {}\n", now(), frequency_, shown_, note_,
+               complaint);
+  }
+  void atMost(const char* what, auto figure, double bound) {
+    const bool kept = static_cast<double>(figure) <= bound;
+    kept_ = kept_ && kept;
+    fmt::print("  {:<46} {} (at most {}){}\n", what, figure, bound, kept ? "" : "  BROKEN");
+  }
+  [[nodiscard]] bool beepIsOn() const { return screen_.soundNotificationSwitch.isOn(); }
+
+  std::unique_ptr<AudioInputQueue> newInput(const AudioStreamFormat& /*format*/,
+                                            AudioInputCallback callback, void* userData) override {
+    auto queue = std::make_unique<CaptureQueue>(callback, userData);
+    microphone_ = queue.get();
+    return queue;
   }
 
-  [[nodiscard]] int plays() const { return world_.fakes.players.plays; }
-  [[nodiscard]] double age() const { return world_.now() - script_.since; }
-  [[nodiscard]] bool green() const { return screen_.LEDDisplay.image() == "green64.png"; }
-  // To half a band, half a bin and a rounding.
-  [[nodiscard]] bool sounds(double frequency) const {
-    return std::abs(frequency - script_.frequency) <= frequency / 850 + 0.16;
-  }
-
-  void judgePictures() {
-    expect(screen_.LEDDisplay128.image() == (green() ? "green128.png" : "yellow128.png"),
-           "the two lamps differ");
-    expect(!green() || !note_.empty(), "a green lamp without a note");
-    expect(screen_.tunedString5.hidden() != green(), "lamp and string picture differ");
-  }
-
-  // What lights up anew is a string that is played, in tune.
-  void judgeNewLights() {
-    const std::string note = green() ? note_ : "";
-    const bool newNote = std::exchange(greenNote_, note) != note;
-    for (std::size_t string = 0; string < 4; ++string) {
-      const bool ring = !screen_.ring(static_cast<int>(string) + 1).image().empty();
-      const bool newRing = !std::exchange(script_.rings[string], ring) && ring;
-      const bool named = note == kNotes[string];
-      expect(!newRing || named, "a ring from nothing");
-      const bool lit = newRing || (named && (newNote || plays() > beeps_));
-      const bool steady = script_.kind >= Kind::Thin && age() > kHeard;
-      expect(!lit || !steady || sounds(script_.pitchOf(string)), "green for what is not played");
-    }
-  }
-
-  void judgeSound() {
-    inTuneNow_ = false;
-    if (script_.level < kQuiet && age() > 0.25) {
-      expect(!green() && shown_.empty() && note_.empty(), "something is lit in silence");
-    }
-    if (age() < kHeard || script_.kind != Kind::Bowed || script_.level < kLoud) return;
-    expect(sounds(std::strtod(shown_.c_str(), nullptr)), "a frequency that is not played");
-    for (std::size_t string = 0; string < 4; ++string) {
-      if (!mustBeFound(script_.pitchOf(string))) continue;
-      inTuneNow_ = true;
-      ++inTune_[string];
-      expect(green() && note_ == kNotes[string] && script_.rings[string] &&
-                 shown_ == fmt::format("{:.1f}Hz", script_.pitchOf(string)),
-             "a string in tune is not shown so");
-    }
-  }
-
-  // A string on pitch, where the bin that it falls into is well inside the band.
-  [[nodiscard]] bool mustBeFound(double pitch) const {
-    const double bin = kBin * std::round(pitch / kBin);
-    return std::abs(script_.frequency - pitch) < 1e-6 &&
-           std::abs(bin - pitch) < std::min(0.45 * kBin, pitch / 1000);
-  }
-
-  void judgeBeep() {
-    const int beeps = plays() - std::exchange(beeps_, plays());
-    if (beeps > 0) lastBeep_ = world_.now();
-    expect(beeps <= 1, "beeps in one tick");
-    expect(beeps == 0 || script_.beeps(), "a beep that was switched off");
-    expect(beeps == 0 || green(), "a beep without a green lamp");
-    expect(!inTuneNow_ || !script_.beeps() || world_.now() - lastBeep_ < kBeepRearm,
-           "a beep is missing");
-  }
-
-  void judgeControls() {
-    expect(screen_.calibrationFrequencyValue.text() == fmt::format("{}", script_.a4Shown),
-           "the label of A4 is not A4");
-  }
-
-  // Silence, an A string and silence again, each long enough for every delayed call. Returns the
-  // bytes held in the end.
-  double rest() {
-    script_.rest();
-    expectQuiet();
-    script_.play(Kind::Bowed, 20, 0.1, script_.pitchOf(0));
-    expect(beepsIn(60) > 0, "no beep for a new string");
-    expect(beepsIn(90) == 0, "a beep for a string that has beeped");
-    expect(beepsIn(50) > 0, "no second beep for a string that goes on");
-    script_.rest();
-    expectQuiet();
-    return static_cast<double>(mallinfo2().uordblks);
-  }
-  void expectQuiet() {
-    beepsIn(10);  // of the block that is under way
-    expect(beepsIn(190) == 0, "a beep in silence");
-  }
-  int beepsIn(int ticks) {
-    const int before = plays();
-    for (int i = 0; i < ticks; ++i) step();
-    return plays() - before;
-  }
-
-  World world_;
-  Script script_;
-  ViewController& screen_ = world_.controller;
+  std::mt19937 dice_;
+  std::vector<std::int16_t> sound_;
+  std::span<const std::int16_t> toPlay_;  // silence follows
+  CaptureQueue* microphone_ = nullptr;    // the listener's
+  std::uint64_t ticks_ = 0, samples_ = 0;
+  fakes::FakePlatform fakes_;
+  MemoryStore settings_;
+  Platform platform_{*this,     fakes_.session, fakes_.players, fakes_.output, fakes_.runLoop,
+                     settings_, fakes_.device,  fakes_.bundle,  fakes_.log};
+  Application application_{platform_, false};
+  ViewController& screen_ = application_.controller();
   const std::string& shown_ = screen_.freq_label.text();
   const std::string& note_ = screen_.noteDisplay.text();
-  std::string greenNote_;  // at the last tick
-  bool inTuneNow_ = false;
+  double level_ = 0;
+  double frequency_ = 0;  // hertz; 0 for none
+  double since_ = 0;      // seconds, as the next two
+  double passageEnds_ = 0;
+  double nextPress_ = 5;
+  std::array<double, 4> pitches_ = stringFrequencies(440);  // of the last preset
+  std::string green_;            // the note that is in tune at the last tick
   std::array<int, 4> inTune_{};  // ticks
   int beeps_ = 0;
   double lastBeep_ = -kBeepRearm;  // seconds
