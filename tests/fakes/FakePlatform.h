@@ -63,7 +63,6 @@ struct FakeSettings final : MemoryStore {
   void set(std::string_view key, SettingValue value) override {
     MemoryStore::set(key, std::move(value));
     note(key);
-    if (clearAfterWrites > 0 && --clearAfterWrites == 0) removeAll();
   }
   void note(std::string_view write) {
     const std::lock_guard guard(lock);
@@ -72,7 +71,6 @@ struct FakeSettings final : MemoryStore {
   }
   std::mutex lock;
   std::vector<std::string> writes;  // keys in the order in which they were written
-  int clearAfterWrites = 0;         // another writer clears the store after that many
   std::atomic<int> synchronized = 0, unsynchronized = 0;
 };
 

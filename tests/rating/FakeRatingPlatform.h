@@ -175,7 +175,7 @@ struct FakeRatingPlatform : Clock,
                                .workQueues = queues ? *queues : *this,
                                .mainQueue = mainQueue,
                                .settings = store,
-                               .reachability = reachability ? *reachability : *this,
+                               .reachability = *this,
                                .probes = *this,
                                .mainBundle = bundle,
                                .log = log,
@@ -191,12 +191,18 @@ struct FakeRatingPlatform : Clock,
     RatingPrompt::setAppId("4711");
   }
   RatingPrompt& prompt() { return *RatingPrompt::sharedInstance(); }
+  // What the answer left in the store, for good.
+  std::string noted() const {
+    EXPECT_EQ(store.unsynchronized, 0);
+    if (store.doubleForKey(UsageTracker::kReminderRequestDate) != 0) return "reminder";
+    if (store.boolForKey(UsageTracker::kRatedCurrentVersion)) return "rated";
+    return store.boolForKey(UsageTracker::kDeclinedToRate) ? "declined" : "";
+  }
 
   std::atomic<double> now = 1.7e9;  // seconds
   std::deque<Action> work;
   VirtualRunLoop mainQueue;
-  WorkQueues* queues = nullptr;          // others than the two above
-  Reachability* reachability = nullptr;  // another than this
+  WorkQueues* queues = nullptr;  // others than the two above
   const std::thread::id mainThread = std::this_thread::get_id();
   std::optional<std::uint32_t> flags = kReachabilityReachable;
   TaskState probeState = TaskState::Running;
