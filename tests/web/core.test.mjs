@@ -1,16 +1,12 @@
 // The whole tuner in its module, driven as a page drives it: what cannot be seen in a browser, or
 // what browsers do not do.
 import assert from "node:assert/strict";
-import { readFileSync } from "node:fs";
 import test from "node:test";
 
 import { Tuner } from "../../web/core.mjs";
 import { moduleOf } from "./modules.mjs";
 
 const core = moduleOf("endpin-core");
-const german = JSON.parse(
-  readFileSync(new URL("../../resources/texts/Localizable/de.json", import.meta.url)),
-);
 const SIZE = { width: 390, height: 844 };
 
 // Like localStorage.
@@ -27,7 +23,7 @@ class Storage {
 
 // A tuner that has started, what it told the page, and a clock.
 async function started({ storage = new Storage(), ...size } = {}) {
-  const tuner = await Tuner.load(core, { texts: german, storage });
+  const tuner = await Tuner.load(core, { storage });
   const told = [];
   for (const name of ["Listen", "UseMicrophone", "KeepAwake", "SettingsLost"]) {
     tuner[`on${name}`] = (what) => told.push([name, what]);
@@ -54,11 +50,18 @@ async function started({ storage = new Storage(), ...size } = {}) {
   return { tuner, told, show, wait, bow, perform: (...what) => tuner.perform(...what) };
 }
 
-test("a tablet has its own pictures, and wants sound and light", async () => {
-  const { told, show, perform } = await started({ width: 1024, height: 1366 });
-  assert.deepEqual(told, [["KeepAwake", true], ["Listen", true]]);
-  perform("setA440");
-  assert.equal(show("chartDisplay").image, "chartipad440.png");
+test("each device has its pictures, and the page is asked for sound and light", async () => {
+  for (const [size, chart] of [
+    [{ width: 1024, height: 1366 }, "chartipad440.png"],
+    [{ width: 1920, height: 1080, touch: false }, "chartiphone440.png"],
+  ]) {
+    const { told, show, perform } = await started(size);
+    assert.deepEqual(told, [["KeepAwake", true], ["Listen", true]]);
+    perform("setA440");
+    assert.equal(show("chartDisplay").image, chart);
+  }
+  const { show } = await started();
+  assert.equal(show("calibrationLabel").text, "CalibrationTitle", "a text that is missing");
 });
 
 test("a string in tune lights up, whatever rate the microphone has", async () => {

@@ -10,7 +10,6 @@ const ELEMENT = "element-6066-11e4-a52e-4f735466cecf";
 const COMMANDS = {
   begin: ["POST", "", "NewSession"],
   end: ["DELETE", "/{session}", "DeleteSession"],
-  limits: ["POST", "/{session}/timeouts", "SetTimeouts"],
   go: ["POST", "/{session}/url", "Navigate"],
   run: ["POST", "/{session}/execute/async", "ExecuteAsyncScript"],
   find: ["POST", "/{session}/elements", "FindElements"],
@@ -93,7 +92,6 @@ export class Browser {
       browser.send = await (socket ? overSocket(port) : overHttp(port));
       const begun = await browser.send("begin", { capabilities: { alwaysMatch: capabilities } });
       browser.version = begun.capabilities.browserVersion;
-      await browser.send("limits", { script: 30_000, pageLoad: 30_000, implicit: 0 });
       return browser;
     } catch (error) {
       programs.forEach(stop);
