@@ -53,7 +53,7 @@ async function started({ storage = new Storage(), ...size } = {}) {
 test("each device has its pictures, and the page is asked for sound and light", async () => {
   for (const [size, chart] of [
     [{ width: 1024, height: 1366 }, "chartipad440.png"],
-    [{ width: 1920, height: 1080, touch: false }, "chartiphone440.png"],
+    [{ width: 1024, height: 1366, touch: false }, "chartiphone440.png"],
   ]) {
     const { told, show, perform } = await started(size);
     assert.deepEqual(told, [["KeepAwake", true], ["Listen", true]]);
