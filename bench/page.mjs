@@ -1,7 +1,7 @@
 // page.mjs [SECONDS [MINUTES]]: what the page costs in Chromium, hearing the sampled cello. Until it
-// stands, each time with a new profile; processor time of all of Chromium's processes over SECONDS
-// (60) of listening, of the same page idle and with an open microphone alone; memory over MINUTES
-// (10) of listening. `./dev web --measure` runs it, on a machine that does nothing else.
+// stands, each time with a new profile; processor time of all of Chromium's processes, and of the
+// page's own alone, over SECONDS (60) of listening, of the same page idle and with an open microphone
+// alone; memory over MINUTES (10) of listening. `./dev web --measure` runs it, on a machine that does nothing else.
 import { readdirSync, readFileSync } from "node:fs";
 
 import { chromium } from "../tests/web/browser/engines.mjs";
@@ -30,12 +30,17 @@ function descendants() {
   return below.slice(1).filter(({ name }) => name.startsWith("chrom") && name !== "chromedriver");
 }
 
-// Percent of one core over that many seconds.
-async function share(length) {
-  const sum = () => descendants().reduce((all, { ticks }) => all + ticks, 0);
-  const [begun, before] = [performance.now(), sum()];
+// Whether the process is a page's own: the others play, draw and keep for all pages.
+const isPage = ({ id }) => readFileSync(`/proc/${id}/cmdline`, "utf8").includes("--type=renderer");
+
+// Percents of one core over that many seconds: of all processes, and of the page's.
+async function shares(length) {
+  const sum = (some) => some.reduce((all, { ticks }) => all + ticks, 0);
+  const sums = (all) => [sum(all), sum(all.filter(isPage))];
+  const [begun, before] = [performance.now(), sums(descendants())];
   await pause(length);
-  return (100 * (sum() - before)) / TICKS_PER_SECOND / ((performance.now() - begun) / 1000);
+  const elapsed = (performance.now() - begun) / 1000;
+  return sums(descendants()).map((ticks, i) => (100 * (ticks - before[i])) / TICKS_PER_SECOND / elapsed);
 }
 
 // Kibibytes of all processes that are no part of a file, after the page's garbage was collected.
@@ -94,7 +99,7 @@ async function closeMicrophone() {
 async function measureListening(browser) {
   const settled = async () => {
     await pause(SETTLE);
-    return share(seconds);
+    return shares(seconds);
   };
   const idle = await settled();
   await browser.run(openMicrophone);
@@ -103,8 +108,11 @@ async function measureListening(browser) {
   await browser.tap(".tap");
   const listening = await settled();
   const of = (value) => `${value.toFixed(1)} %`;
-  console.log(`listening ${of(listening)} of a core, idle ${of(idle)}: ${of(listening - idle)} more`);
-  console.log(`of these, an open microphone that nobody hears: ${of(bare - idle)}`);
+  for (const [i, who] of ["all processes", "the page's own process"].entries()) {
+    const more = `${of(listening[i] - idle[i])} more`;
+    console.log(`${who}: listening ${of(listening[i])} of a core, idle ${of(idle[i])}: ${more}`);
+    console.log(`  of these, an open microphone that nobody hears: ${of(bare[i] - idle[i])}`);
+  }
 
   const sizes = [await memory(browser)];
   for (let minute = 0; minute < minutes; minute++) {
