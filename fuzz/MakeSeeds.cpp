@@ -16,12 +16,12 @@ namespace {
 namespace fs = std::filesystem;
 using namespace endpin;
 
-// The first byte tells the fuzzer that the file has a header.
+// The last byte tells the fuzzer that the file has a header.
 void soundFile(const fs::path& path, int format, int channels = 1, double rate = 22050) {
   testing::writeSoundFile(path, testing::bowedTone(rate, 0.3, 220), format, channels);
   std::ifstream file(path, std::ios::binary);
   const std::string bytes(std::istreambuf_iterator<char>(file), {});
-  std::ofstream(path, std::ios::binary) << '\0' << bytes;
+  std::ofstream(path, std::ios::binary) << bytes << '\0';
 }
 
 void soundFiles(const fs::path& folder) {
@@ -36,7 +36,7 @@ void soundFiles(const fs::path& folder) {
   soundFile(folder / "i.ogg", SF_FORMAT_OGG | SF_FORMAT_VORBIS);
   soundFile(folder / "j.opus", SF_FORMAT_OGG | SF_FORMAT_OPUS, 1, 24000);
   soundFile(folder / "k.mp3", SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III);
-  std::ofstream(folder / "headerless") << '\7' << std::string(14000, '\x55');
+  std::ofstream(folder / "headerless") << std::string(14000, '\x55') << '\7';
 }
 
 void settings(const fs::path& folder) {

@@ -1,7 +1,8 @@
 // Any samples through both estimators: each hears a pitch of its kind or none.
 //
-// An input is a list of blocks: a byte for the kind, and what follows it.
+// An input is a list of blocks, each of its kind.
 #include <fmt/format.h>
+#include <fuzzer/FuzzedDataProvider.h>
 
 #include <cmath>
 #include <vector>
@@ -31,17 +32,17 @@ void hear(const std::vector<std::int16_t>& block, std::size_t byteLength) {
 }
 
 // As long as the platform hands over, odd lengths included.
-void hearBytes(Input& input) {
-  const std::size_t length = input.number<std::uint16_t>() % (kBlockBytes + 1);
+void hearBytes(FuzzedDataProvider& input) {
+  const auto length = input.ConsumeIntegralInRange<std::size_t>(0, kBlockBytes);
   std::vector<std::int16_t> block(kBlockSamples);
-  const auto given = input.bytes(length);
-  if (!given.empty()) std::memcpy(block.data(), given.data(), given.size());
+  input.ConsumeData(block.data(), length);
   hear(block, length);
 }
 
 // The same few bytes again and again, loud and periodic.
-void hearPattern(Input& input) {
-  const auto pattern = input.bytes(1 + input.choice(255));
+void hearPattern(FuzzedDataProvider& input) {
+  const auto pattern =
+      input.ConsumeBytes<std::uint8_t>(input.ConsumeIntegralInRange<std::size_t>(1, 255));
   std::vector<std::int16_t> block(kBlockSamples);
   for (std::size_t n = 0; n < block.size() && !pattern.empty(); ++n) {
     block[n] = static_cast<std::int16_t>(pattern[n % pattern.size()] << 8);
@@ -54,9 +55,9 @@ void hearPattern(Input& input) {
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace endpin::fuzzing;
-  Input input(data, size);
-  for (int i = 0; i < kMostBlocks && !input.ended(); ++i) {
-    input.choice(2) == 0 ? hearBytes(input) : hearPattern(input);
+  FuzzedDataProvider input(data, size);
+  for (int i = 0; i < kMostBlocks && input.remaining_bytes() > 0; ++i) {
+    input.ConsumeBool() ? hearBytes(input) : hearPattern(input);
   }
   return 0;
 }

@@ -35,11 +35,6 @@ void startAndWrite(const std::string& path, fakes::FakeLog& log) {
   store.setString("text", "Hände");
 }
 
-void requireWritten(const SettingsStore& store) {
-  require(store.doubleForKey("savedSliderValue") == 0.1, "a written number is read back");
-  require(store.stringForKey("text") == "Hände", "a written text is read back");
-}
-
 }  // namespace
 }  // namespace endpin::fuzzing
 
@@ -50,7 +45,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fs::remove_all(folder);
   fs::create_directory(folder);
   const std::string path = folder / "settings.db";
-  std::ofstream(path, std::ios::binary) << Input(data, size).restAsText();
+  std::ofstream(path, std::ios::binary) << std::string(data, data + size);
 
   endpin::fakes::FakeLog log;
   startAndWrite(path, log);
@@ -59,7 +54,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   require(says(log, "are damaged") == isKeptAside(folder), "a damaged file is kept aside");
   if (says(log, "cannot be")) return 0;
   endpin::fakes::FakeLog again;
-  requireWritten(endpin::SqliteStore(path, again));
+  const endpin::SqliteStore store(path, again);
+  require(store.doubleForKey("savedSliderValue") == 0.1, "a written number is read back");
+  require(store.stringForKey("text") == "Hände", "a written text is read back");
   require(again.lines.empty(), "what was mended stays mended",
           again.lines.empty() ? "" : again.lines[0]);
   return 0;

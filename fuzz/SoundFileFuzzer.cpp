@@ -1,7 +1,9 @@
 // Any bytes as the sound file that plays the microphone. A file may be refused, with one line that
 // names it; what is accepted plays on the virtual clock, and ends.
 //
-// The first byte of an input says whether the file is headerless.
+// The last byte of an input says whether the file is headerless.
+#include <fuzzer/FuzzedDataProvider.h>
+
 #include <fstream>
 #include <vector>
 
@@ -68,26 +70,23 @@ void listenThrough(const std::string& path) {
   static_cast<void>(sound.truncated());
 }
 
-template <class Listen>
-void tryToListen(const std::string& path, Listen listen) {
-  try {
-    listen(path);
-  } catch (const SoundFileError& error) {
-    const std::string why = error.what();
-    require(isOneLine(why) && why.starts_with(path), "a refusal is a line that names the file");
-  }
-}
-
 }  // namespace
 }  // namespace endpin::fuzzing
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace endpin::fuzzing;
   static const endpin::testing::TempDirectory folder;
-  Input input(data, size);
-  const std::string path = folder.file(input.choice(8) == 7 ? "sound.s16" : "sound");
-  std::ofstream(path, std::ios::binary) << input.restAsText();
-  tryToListen(path, readThrough);
-  tryToListen(path, listenThrough);
+  FuzzedDataProvider input(data, size);
+  const bool headerless = input.ConsumeIntegralInRange(0, 7) == 7;
+  const std::string path = folder.file(headerless ? "sound.s16" : "sound");
+  std::ofstream(path, std::ios::binary) << input.ConsumeRemainingBytesAsString();
+  for (const auto use : {readThrough, listenThrough}) {
+    try {
+      use(path);
+    } catch (const endpin::SoundFileError& error) {
+      const std::string why = error.what();
+      require(isOneLine(why) && why.starts_with(path), "a refusal is a line that names the file");
+    }
+  }
   return 0;
 }
