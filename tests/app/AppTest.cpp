@@ -37,11 +37,9 @@ TEST(AppDelegateTest, ChoosesTheLayoutByIdiomAndExactHeightAndHidesTheStatusBar)
       {0, 480, {"Main_iPhone4s"}},
       {0, 852, {"Main_iPhone12Pro"}},
       {0, 667.5, {}},
-      {0, 1024, {}},
       {1, 1024, {"Main_iPad"}},
       {1, 1210, {"Main_iPad_Pro_11"}},
       {1, 844, {}},
-      {2, 844, {}},
       {{}, 844, {}},
   };
   for (const auto& row : rows) {
