@@ -30,13 +30,9 @@ check 2 "no command 'dance'" dance
 check 0 '' build
 DISPLAY=:0 check 0 '^endpin [0-9]' run --version
 DISPLAY='' WAYLAND_DISPLAY='' check 0 'or-recording' run --help
-for hours in 0 soon 1000 '1 1'; do
-  # shellcheck disable=SC2086  # the last row has two arguments
-  check 2 'soak takes' soak $hours
-done
-for seconds in 0 soon 1000000 '1 1'; do
-  # shellcheck disable=SC2086
-  check 2 'fuzz takes' fuzz $seconds
+for row in 'soak 0' 'soak soon' 'soak 1000' 'soak 1 1' 'fuzz 0' 'fuzz soon' 'fuzz 1000000' 'fuzz 1 1'; do
+  # shellcheck disable=SC2086  # several arguments
+  check 2 "${row%% *} takes" $row
 done
 check 2 "not '--arm'" package --test --arm
 check 2 "not '--fly'" web --fly

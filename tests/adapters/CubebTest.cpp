@@ -3,6 +3,7 @@
 #include <sys/resource.h>
 
 #include <array>
+#include <numeric>
 #include <optional>
 #include <thread>
 
@@ -227,29 +228,25 @@ TEST(SoundOutTest, ABeepThatComesTooLateIsDropped) {
 TEST(SampleRing, HandsOverEverySampleInOrderOrCountsIt) {
   SampleRing ring(1000);  // holds 1024
   constexpr std::uint64_t kTotal = 2'000'000;
-  std::atomic<bool> wrong = false;
-  std::thread callback([&] {
-    for (std::uint64_t next = 0; next < kTotal && !wrong;) {
-      std::array<std::int16_t, 500> part{};
-      for (std::int16_t& sample : part) sample = static_cast<std::int16_t>(next++);
+  std::jthread callback([&ring](const std::stop_token& stop) {
+    std::array<std::int16_t, 500> part{};
+    for (std::uint64_t next = 0; next < kTotal && !stop.stop_requested();) {
+      std::iota(part.begin(), part.end(), static_cast<std::int16_t>(next));
       const std::uint64_t dropped = ring.dropped();
       ring.push(part);
-      const std::uint64_t lost = ring.dropped() - dropped;
-      next -= lost;  // comes again: the order shows no gap
-      if (lost > 0) std::this_thread::yield();
+      next += part.size() - (ring.dropped() - dropped);  // what is lost comes again
+      std::this_thread::yield();
     }
   });
   std::array<std::int16_t, 300> pulled{};
-  std::uint64_t expected = 0;
-  while (expected < kTotal && !wrong) {
+  for (std::uint64_t expected = 0; expected < kTotal;) {
     const std::size_t count = ring.pull(pulled);
     for (std::size_t i = 0; i < count; ++i) {
-      wrong = wrong || pulled[i] != static_cast<std::int16_t>(expected++);
+      ASSERT_EQ(pulled[i], static_cast<std::int16_t>(expected++));
     }
     if (count == 0) std::this_thread::yield();
   }
   callback.join();
-  EXPECT_FALSE(wrong) << "before sample " << expected;
   while (ring.pull(pulled) > 0) {
   }
   const std::uint64_t dropped = ring.dropped();
@@ -258,69 +255,64 @@ TEST(SampleRing, HandsOverEverySampleInOrderOrCountsIt) {
 }
 
 TEST(InputDevicesTest, ByIdThenByNameOrElseTheDefaultMicrophone) {
-  std::vector<InputDevice> devices(4);
-  devices[0] = {.id = "out.monitor", .name = "Monitor", .isMonitor = true};
-  devices[1] = {.id = "usb", .name = "USB mic"};
-  devices[2] = {.id = "internal", .name = "Internal mic", .isDefault = true};
-  devices[3] = {.id = "USB mic", .name = "x"};
+  std::vector<InputDevice> devices = {
+      {.id = "out.monitor", .name = "Monitor", .isDefault = true, .isMonitor = true},
+      {.id = "unplugged", .name = "Socket", .isDefault = true, .isPluggedIn = false},
+      {.id = "usb", .name = "USB mic"},
+      {.id = "internal", .name = "Internal mic", .isDefault = true},
+      {.id = "USB mic", .name = "x"}};
+  const std::pair<const char*, const char*> rows[] = {
+      {"internal", "internal"}, {"Internal mic", "internal"},
+      {"USB mic", "USB mic"},  // an id comes before a name
+      {"usb mic", "none"},      {"out.monitor", "out.monitor"},
+      {"", "internal"},
+  };
   const auto chosen = [&](const std::string& wanted) {
     const InputDevice* found = chooseInput(devices, wanted);
     return found ? found->id : "none";
   };
-  EXPECT_EQ(chosen("internal"), "internal");
-  EXPECT_EQ(chosen("Internal mic"), "internal");
-  EXPECT_EQ(chosen("USB mic"), "USB mic") << "an id comes before a name";
-  EXPECT_EQ(chosen("usb mic"), "none");
-  EXPECT_EQ(chosen(""), "internal");
-  devices[2].isPluggedIn = false;
+  for (const auto& [wanted, id] : rows) EXPECT_EQ(chosen(wanted), id) << wanted;
+  devices[3].isDefault = false;
   EXPECT_EQ(chosen(""), "usb");
-  devices[2].isDefault = false;
-  devices[0].isDefault = true;
-  EXPECT_EQ(chosen(""), "usb");
-  devices.resize(1);  // only what a speaker plays is left
+  devices.resize(2);
   EXPECT_EQ(chosen(""), "none");
-  EXPECT_EQ(chosen("out.monitor"), "out.monitor");
 }
 
 // Full scale as long as it is asked; a jump between two frames would be heard as a click.
-struct FadingTone {
-  static std::int32_t render(void*, std::uint32_t frames, std::span<AudioOutputBuffer> buffers) {
+TEST(RenderGateTest, FadesInAndOutAndBetweenTwoTones) {
+  const auto loud = [](void*, std::uint32_t frames, std::span<AudioOutputBuffer> buffers) {
     std::fill_n(buffers[0].mData, frames, 0x7FFF7FFFU);
-    return 0;
-  }
-  void play(std::uint32_t frames) {
+    return std::int32_t{0};
+  };
+  RenderGate gate(loud, nullptr);
+  int last = 0, jump = 0;
+  // The lowest of what comes next.
+  const auto play = [&](std::uint32_t frames) {
     std::vector<std::uint32_t> words(frames);
     gate.fill(words.data(), frames);
+    int lowest = 0x7FFF;
     for (const std::uint32_t word : words) {
       const int sample = static_cast<std::int16_t>(word & 0xFFFFU);
       EXPECT_EQ(word >> 16U, word & 0xFFFFU);
-      jump = std::max(jump, std::abs(sample - last));
+      jump = std::max(jump, std::abs(sample - std::exchange(last, sample)));
       lowest = std::min(lowest, sample);
-      last = sample;
     }
-  }
-  RenderGate gate{render, nullptr};
-  int last = 0, jump = 0, lowest = 0x7FFF;
-};
-
-TEST(RenderGateTest, FadesInAndOutAndBetweenTwoTones) {
-  FadingTone tone;
-  tone.play(100);
-  EXPECT_EQ(tone.last, 0);
-  tone.gate.mute(false);
-  tone.play(441);
-  EXPECT_EQ(tone.last, 0x7FFF) << "whole within 10 ms";
-  tone.lowest = 0x7FFF;
-  tone.gate.dip();
-  tone.play(882);
-  EXPECT_EQ(tone.lowest, 0);
-  EXPECT_EQ(tone.last, 0x7FFF);
-  tone.gate.mute(true);
-  tone.play(220);
-  EXPECT_FALSE(tone.gate.isSilent()) << "not yet, after 5 ms";
-  tone.play(221);
-  EXPECT_TRUE(tone.gate.isSilent());
-  EXPECT_LE(tone.jump, 0x7FFF / 300);
+    return lowest;
+  };
+  play(100);
+  EXPECT_EQ(last, 0);
+  gate.mute(false);
+  play(441);
+  EXPECT_EQ(last, 0x7FFF) << "whole within 10 ms";
+  gate.dip();
+  EXPECT_EQ(play(882), 0);
+  EXPECT_EQ(last, 0x7FFF);
+  gate.mute(true);
+  play(220);
+  EXPECT_FALSE(gate.isSilent()) << "not yet, after 5 ms";
+  play(221);
+  EXPECT_TRUE(gate.isSilent());
+  EXPECT_LE(jump, 0x7FFF / 300);
 }
 
 }  // namespace

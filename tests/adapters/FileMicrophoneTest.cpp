@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fstream>
 #include <numbers>
 
 #include "audio/CaptureFormat.h"
@@ -30,7 +31,8 @@ struct FileMicrophoneTest : ::testing::Test {
     testing::Sound noise = testing::noise(7019.5, 60, 0.1);
     noise.samples.resize(count);
     samples = testing::toS16(noise);
-    testing::writeRawS16(folder.file("noise.s16"), noise);
+    std::ofstream(folder.file("noise.s16"), std::ios::binary)
+        .write(reinterpret_cast<const char*>(samples.data()), 2 * std::ssize(samples));
     sound.emplace(SoundFile(folder.file("noise.s16")));
     microphone.emplace(*sound, loop);
     queue = microphone->newInput(kCaptureFormat, heard, this);
@@ -109,12 +111,9 @@ Samples resampled(double rate, const Samples& input, std::size_t chunk) {
 // Sample i of the output is the tone at i / 7019.5 s: no delay, no drift, no sample too many.
 TEST(CaptureResampler, KeepsATonesPitchAndItsPlaceInTime) {
   for (const auto& [rate, chunk] : {std::pair(8000.0, 1U),
-                                    {8000.0, 480U},
                                     {11025.0, 5000U},
                                     {44100.0, 480U},
                                     {48000.0, 480U},
-                                    {48000.0, 5000U},
-                                    {96000.0, 480U},
                                     {192000.0, 5000U}}) {
     Samples input;
     for (double i = 0; i < rate * 4; ++i) input.push_back(toneAt(i / rate));

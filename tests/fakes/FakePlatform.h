@@ -7,7 +7,6 @@
 #include <map>
 #include <memory>
 #include <mutex>
-#include <set>
 #include <span>
 #include <string>
 #include <thread>
@@ -118,8 +117,6 @@ struct FakeInputQueue final : AudioInputQueue {
     callback(userData, this, buffer);
     return true;
   }
-  [[nodiscard]] std::size_t queuedBuffers() const { return queued.size(); }
-  [[nodiscard]] std::size_t allocatedBuffers() const { return buffers.size(); }
 
   const AudioInputCallback callback;
   void* const userData;
@@ -241,9 +238,8 @@ struct FakeBundle final : Bundle {
     return found == texts.end() ? std::nullopt : std::optional(found->second);
   }
   std::string resourcePath() const override { return "/resources"; }
-  std::string localizedString(std::string_view key, std::string_view value,
+  std::string localizedString(std::string_view key, std::string_view /*value*/,
                               std::string_view table) const override {
-    if (missing.contains(key)) return std::string(value.empty() ? key : value);
     const std::string name(key);
     return find(texts, key).value_or(table.empty() ? "[" + name + "]" : name);
   }
@@ -254,7 +250,6 @@ struct FakeBundle final : Bundle {
     return find(localized, key);
   }
   Texts texts, info, localized;
-  std::set<std::string, std::less<>> missing;
 };
 
 struct FakeMicrophones final : Microphones {

@@ -58,7 +58,6 @@ struct FakeSoundLibrary {
     hangs = on;
     hangs.notify_all();
   }
-  static FakeSoundLibrary& meetServer();
 
   template <typename Duty>
   bool toStream(Duty duty) {
@@ -82,26 +81,31 @@ struct FakeSoundLibrary {
 };
 inline FakeSoundLibrary soundLibrary;
 
-inline FakeSoundLibrary& FakeSoundLibrary::meetServer() {
-  if (soundLibrary.hangs) soundLibrary.isHung = true;
-  soundLibrary.hangs.wait(true);
-  return soundLibrary;
-}
+// The library, locked, once its server does not hang.
+struct Met {
+  Met() {
+    if (soundLibrary.hangs) soundLibrary.isHung = true;
+    soundLibrary.hangs.wait(true);
+    lock.lock();
+  }
+  FakeSoundLibrary* operator->() const { return &soundLibrary; }
+  std::unique_lock<std::mutex> lock{soundLibrary.mutex, std::defer_lock};
+};
 
 }  // namespace endpin::fakes
 
-using endpin::fakes::FakeSoundLibrary;
+using endpin::fakes::Met;
 
 int cubeb_init(cubeb** context, const char* /*name*/, const char* /*backend*/) {
   ++endpin::fakes::soundLibrary.contexts;
-  FakeSoundLibrary::meetServer();
+  const Met library;
   *context = new cubeb;
   return CUBEB_OK;
 }
 
 void cubeb_destroy(cubeb* context) {
   delete context;
-  --FakeSoundLibrary::meetServer().contexts;
+  --Met()->contexts;
 }
 
 int cubeb_get_min_latency(cubeb* /*context*/, cubeb_stream_params* /*format*/,
@@ -111,11 +115,10 @@ int cubeb_get_min_latency(cubeb* /*context*/, cubeb_stream_params* /*format*/,
 
 int cubeb_enumerate_devices(cubeb* /*context*/, cubeb_device_type /*type*/,
                             cubeb_device_collection* collection) {
-  FakeSoundLibrary& library = FakeSoundLibrary::meetServer();
-  const std::lock_guard lock(library.mutex);
-  collection->count = library.inputs.size();
+  const Met library;
+  collection->count = library->inputs.size();
   collection->device = new cubeb_device_info[collection->count]();
-  std::ranges::transform(library.inputs, collection->device, [](const auto& input) {
+  std::ranges::transform(library->inputs, collection->device, [](const auto& input) {
     cubeb_device_info info{};
     info.devid = info.device_id = info.friendly_name = input.name;
     info.state = CUBEB_DEVICE_STATE_ENABLED;
@@ -134,10 +137,9 @@ int cubeb_device_collection_destroy(cubeb* /*context*/, cubeb_device_collection*
 int cubeb_register_device_collection_changed(cubeb* /*context*/, cubeb_device_type /*type*/,
                                              cubeb_device_collection_changed_callback tell,
                                              void* user) {
-  FakeSoundLibrary& library = FakeSoundLibrary::meetServer();
-  const std::lock_guard lock(library.mutex);
-  library.tell = tell;
-  library.tellUser = user;
+  const Met library;
+  library->tell = tell;
+  library->tellUser = user;
   return CUBEB_OK;
 }
 
@@ -145,44 +147,39 @@ int cubeb_stream_init(cubeb* /*context*/, cubeb_stream** stream, const char* /*n
                       cubeb_devid input, cubeb_stream_params* /*inputFormat*/, cubeb_devid /*out*/,
                       cubeb_stream_params* /*outputFormat*/, unsigned /*latency*/,
                       cubeb_data_callback data, cubeb_state_callback state, void* user) {
-  FakeSoundLibrary& library = FakeSoundLibrary::meetServer();
-  ++library.opens;
-  if (library.refuses) return CUBEB_ERROR;
-  const std::lock_guard lock(library.mutex);
+  const Met library;
+  ++library->opens;
+  if (library->refuses) return CUBEB_ERROR;
   const char* device = input ? static_cast<const char*>(input) : "";
-  *stream = library.stream = new cubeb_stream{device, data, state, user};
+  *stream = library->stream = new cubeb_stream{device, data, state, user};
   return CUBEB_OK;
 }
 
 int cubeb_stream_start(cubeb_stream* stream) {
-  FakeSoundLibrary& library = FakeSoundLibrary::meetServer();
-  const std::lock_guard lock(library.mutex);
+  const Met library;
   stream->isStarted = true;
   return CUBEB_OK;
 }
 
 int cubeb_stream_stop(cubeb_stream* stream) {
-  FakeSoundLibrary& library = FakeSoundLibrary::meetServer();
-  const std::lock_guard lock(library.mutex);
+  const Met library;
   stream->isStarted = false;
   return CUBEB_OK;
 }
 
 void cubeb_stream_destroy(cubeb_stream* stream) {
-  FakeSoundLibrary& library = FakeSoundLibrary::meetServer();
-  const std::lock_guard lock(library.mutex);
-  library.stream = nullptr;
+  const Met library;
+  library->stream = nullptr;
   delete stream;
 }
 
 // A stream whose microphone has gone hears what a speaker plays.
 int cubeb_stream_get_current_device(cubeb_stream* stream, cubeb_device** device) {
-  FakeSoundLibrary& library = FakeSoundLibrary::meetServer();
-  const std::lock_guard lock(library.mutex);
-  const auto heard = std::ranges::find_if(library.inputs, [&](const auto& input) {
+  const Met library;
+  const auto heard = std::ranges::find_if(library->inputs, [&](const auto& input) {
     return stream->device.empty() ? input.isDefault : stream->device == input.name;
   });
-  const char* name = heard == library.inputs.end() ? "speaker.monitor" : heard->name;
+  const char* name = heard == library->inputs.end() ? "speaker.monitor" : heard->name;
   *device = new cubeb_device{.output_name = nullptr, .input_name = const_cast<char*>(name)};
   return CUBEB_OK;
 }

@@ -18,41 +18,33 @@ struct Screen {
 };
 
 QJSValue metricsOfThePage(QJSEngine& engine, const Screen& screen) {
-  QJSValue insets = engine.newObject();
-  insets.setProperty("top", screen.top);
-  insets.setProperty("bottom", screen.bottom);
-  for (const char* side : {"left", "right"}) insets.setProperty(side, screen.side);
+  const QVariantMap insets = {{"top", screen.top},
+                              {"bottom", screen.bottom},
+                              {"left", screen.side},
+                              {"right", screen.side}};
   const QJSValue page = engine.importModule(ENDPIN_PAGE_METRICS);
-  if (page.isError()) return page;
-  return page.property("metricsFor").call({screen.width, screen.height, insets});
+  return page.property("metricsFor")
+      .call({screen.width, screen.height, engine.toScriptValue(insets)});
 }
 
 std::unique_ptr<QObject> metricsOfTheWindow(QQmlEngine& engine, const Screen& screen) {
   QQmlComponent component(&engine, QUrl("qrc:/endpin/components/Metrics.qml"));
-  const QVariantMap upright = {{"top", screen.top}, {"bottom", screen.bottom}};
-  QVariantMap lying = upright;
-  lying["side"] = screen.side;
-  QVariantMap insets = upright;
-  insets["lying"] = lying;
+  QVariantMap insets = {{"top", screen.top}, {"bottom", screen.bottom}, {"side", screen.side}};
+  insets["lying"] = insets;
   return std::unique_ptr<QObject>(component.createWithInitialProperties(
       {{"screenWidth", screen.width}, {"height", screen.height}, {"insets", insets}}));
 }
 
 TEST(PageMetricsTest, EveryLengthIsThatOfAWindow) {
   QQmlEngine engine;
-  for (const Screen& screen : std::array<Screen, 16>{{
+  for (const Screen& screen : std::array<Screen, 11>{{
            {320, 480},
-           {320, 568},
            {375, 667},
-           {390, 844},
            {390, 844, 47, 34},
-           {430, 932, 59, 34},
            {700, 844},
-           {820, 1180, 24, 20},
            {1024, 1366, 24, 20},
            {1000, 900},
            {480, 320},
-           {667, 375},
            {844, 390, 0, 21, 47},
            {1280, 720},
            {1366, 1024, 24, 20},

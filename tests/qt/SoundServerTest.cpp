@@ -16,35 +16,55 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-TEST(SoundServer, FollowsTheVolumeThroughTheServersLife) {
+// The volume, and each microphone, with "!" for the default one and "-" for a muted one.
+std::string described(const SoundServer& server) {
+  const auto sources = server.sources();
+  std::string all = std::to_string(std::lround(100 * server.outputVolume())) + "%";
+  if (!sources->connected) all += " no server";
+  for (const auto& microphone : sources->microphones) {
+    all += ' ' + microphone.id + (microphone.isDefault ? "!" : "") + (microphone.muted ? "-" : "");
+  }
+  return all;
+}
+
+TEST(SoundServer, FollowsTheVolumeAndTheMicrophonesThroughTheServersLife) {
   testing::PrivateSoundServer server;
   for (const auto& [name, value] : server.environment()) setenv(name.c_str(), value.c_str(), 1);
   auto followed = std::make_unique<SoundServer>();
-  EXPECT_EQ(followed->outputVolume(), 1.0F) << "no server";
+  EXPECT_EQ(described(*followed), "100% no server");
   if (!server.start()) GTEST_SKIP() << server.reason();
 
-  const auto comesTo = [&](float expected) {
-    const auto deadline = Clock::now() + 5s;
-    const auto is = [&] { return std::abs(followed->outputVolume() - expected) <= 0.005F; };
-    while (!is() && Clock::now() < deadline) std::this_thread::sleep_for(5ms);
-    EXPECT_TRUE(is()) << "not " << expected << " but " << followed->outputVolume();
+  const auto comesTo = [&](const std::string& expected) {
+    testing::soon(5s, [&] { return described(*followed) == expected; });
+    EXPECT_EQ(described(*followed), expected);
   };
-  const auto after = [&](std::vector<std::string> words, float expected) {
-    words.insert(words.begin(), "pactl");
-    ASSERT_EQ(testing::runToEnd(words, 5s, server.environment()).exitCode, 0) << words[1];
+  const std::pair<const char*, const char*> steps[] = {
+      {"set-sink-volume speaker 40%", "40% virtmic!"},
+      {"set-sink-volume speaker 20% 80%", "50% virtmic!"},  // the average
+      {"set-source-mute virtmic 1", "50% virtmic!-"},
+      {"set-sink-mute speaker 1", "0% virtmic!-"},
+      {"set-sink-volume micfeed 70%", "0% virtmic!-"},
+      {"set-source-mute virtmic 0", "0% virtmic!"},
+      {"set-default-sink micfeed", "70% virtmic!"},
+      {"set-sink-volume micfeed 140%", "100% virtmic!"},
+      {"set-source-volume virtmic 0", "100% virtmic!-"},
+      {"set-sink-volume micfeed 30%", "30% virtmic!-"},
+      {"set-source-volume virtmic 50%", "30% virtmic!"},
+      {"load-module module-remap-source source_name=clip master=micfeed.monitor",
+       "30% virtmic! clip"},
+      {"set-default-source clip", "30% virtmic clip!"},
+  };
+  for (const auto& [words, expected] : steps) {
+    ASSERT_TRUE(server.control(words)) << words;
     comesTo(expected);
-  };
-  after({"set-sink-volume", "speaker", "40%"}, 0.4F);
-  after({"set-sink-volume", "speaker", "20%", "80%"}, 0.5F);  // the average
-  after({"set-sink-mute", "speaker", "1"}, 0.0F);
-  after({"set-sink-volume", "micfeed", "70%"}, 0.0F);
-  after({"set-default-sink", "micfeed"}, 0.7F);
-  after({"set-sink-volume", "micfeed", "140%"}, 1.0F);
-  after({"set-sink-volume", "micfeed", "30%"}, 0.3F);
+  }
+  ASSERT_TRUE(server.removeMicrophone());
+  comesTo("30% clip!");
   server.kill();
-  comesTo(1.0F);
+  comesTo("100% no server");
   ASSERT_TRUE(server.start()) << server.reason();
-  after({"set-sink-volume", "speaker", "35%"}, 0.35F);
+  ASSERT_TRUE(server.control("set-sink-volume speaker 35%"));
+  comesTo("35% virtmic!");
 
   server.freeze();
   const auto begin = Clock::now();
@@ -53,44 +73,6 @@ TEST(SoundServer, FollowsTheVolumeThroughTheServersLife) {
   followed.reset();
   EXPECT_LT(Clock::now() - begin, 2s) << "a hung server holds nobody up";
   server.thaw();
-}
-
-// "name", with "!" for the default one and "-" for a muted one.
-std::string described(const SoundServer& server) {
-  const auto sources = server.sources();
-  std::string all = sources->connected ? "" : "no server";
-  for (const auto& microphone : sources->microphones) {
-    all += (all.empty() ? "" : " ") + microphone.id + (microphone.isDefault ? "!" : "") +
-           (microphone.muted ? "-" : "");
-  }
-  return all;
-}
-
-TEST(SoundServer, KnowsTheMicrophonesAndTheirMutes) {
-  testing::PrivateSoundServer server;
-  for (const auto& [name, value] : server.environment()) setenv(name.c_str(), value.c_str(), 1);
-  SoundServer followed;
-  if (!server.start()) GTEST_SKIP() << server.reason();
-  const auto comesTo = [&](const std::string& expected) {
-    testing::soon(5s, [&] { return described(followed) == expected; });
-    EXPECT_EQ(described(followed), expected);
-  };
-  comesTo("virtmic!");
-  server.control("set-source-mute virtmic 1");
-  comesTo("virtmic!-");
-  server.control("set-source-mute virtmic 0");
-  comesTo("virtmic!");
-  server.control("set-source-volume virtmic 0");
-  comesTo("virtmic!-");
-  server.control("set-source-volume virtmic 50%");
-  server.control("load-module module-remap-source source_name=clip master=micfeed.monitor");
-  comesTo("virtmic! clip");
-  server.control("set-default-source clip");
-  comesTo("virtmic clip!");
-  server.removeMicrophone();
-  comesTo("clip!");
-  server.kill();
-  comesTo("no server");
 }
 
 }  // namespace

@@ -11,7 +11,6 @@
 #include <iterator>
 #include <map>
 #include <nlohmann/json.hpp>
-#include <regex>
 #include <set>
 #include <string>
 #include <vector>
@@ -26,6 +25,11 @@ namespace endpin {
 namespace {
 
 const std::filesystem::path kResources = ENDPIN_RESOURCES;
+
+std::string contentsOf(const std::filesystem::path& path) {
+  std::ifstream file(path);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
 
 TEST(ResourcesTest, EveryPictureIsThereAtOneAndTwoPixelsAPoint) {
   std::vector<std::string> names = {"yellow64",       "green64", "yellow128", "green128",
@@ -60,8 +64,7 @@ TEST(ResourcesTest, ChartsShowTheFrequenciesOfTheirCalibration) {
         .exitCode;
   };
   ASSERT_EQ(draw("415"), 0);
-  std::ifstream file(output);
-  const std::string drawing(std::istreambuf_iterator<char>(file), {});
+  const std::string drawing = contentsOf(output);
   EXPECT_NE(drawing.find("415"), std::string::npos);
   std::size_t at = 0;
   for (const char* text : {">61.7<", ">92.4<", ">138.5<", ">207.5<"}) {  // from the left
@@ -87,23 +90,16 @@ TEST(ResourcesTest, TheBeepIsShortCleanAndSoftAtBothEnds) {
 using Texts = std::map<std::string, std::string>;
 
 Texts texts(const std::string& table, const std::string& tag) {
-  std::ifstream file(kResources / "texts" / table / (tag + ".json"));
-  return nlohmann::json::parse(file).get<Texts>();
+  return nlohmann::json::parse(contentsOf(kResources / "texts" / table / (tag + ".json")));
 }
 
 // What the screen asks for by itself: names of keys in the same line as the request, or in a title.
 std::set<std::string> keysOfTheScreen() {
-  const std::regex request(R"((Texts\.of\(|title: ).*)"), key(R"re("([A-Z]\w+)")re");
+  const QRegularExpression key(R"re((?:Texts\.of\(|title: |\G(?!^))[^\n]*?"([A-Z]\w+)")re");
   std::set<std::string> keys;
   for (const auto& entry : std::filesystem::directory_iterator(ENDPIN_COMPONENTS)) {
-    std::ifstream file(entry.path());
-    std::smatch from;
-    for (std::string line; std::getline(file, line);) {
-      if (!std::regex_search(line, from, request)) continue;
-      const std::string rest = from.str();
-      for (std::sregex_iterator at(rest.begin(), rest.end(), key), end; at != end; ++at) {
-        keys.insert((*at)[1]);
-      }
+    for (const auto& found : key.globalMatch(QString::fromStdString(contentsOf(entry.path())))) {
+      keys.insert(found.captured(1).toStdString());
     }
   }
   return keys;

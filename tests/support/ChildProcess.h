@@ -3,7 +3,7 @@
 #pragma once
 
 #include <fcntl.h>
-#include <sys/prctl.h>
+#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -26,16 +26,22 @@ class ChildProcess {
  public:
   // Puts `changes` over the test's own environment. What cannot be started ends with exit code 127.
   explicit ChildProcess(const Command& command, const Environment& changes = {}) {
-    Command words = {"env"};
+    Command words = {"setpriv", "--pdeathsig=KILL", "env"};
     for (const auto& [name, value] : changes) words.push_back(name + "=" + value);
     words.insert(words.end(), command.begin(), command.end());
     std::vector<char*> arguments;
     for (std::string& word : words) arguments.push_back(word.data());
     arguments.push_back(nullptr);
-    const pid_t parent = getpid();
-    pid_ = fork();
-    if (pid_ < 0) throw std::system_error(errno, std::generic_category(), "fork");
-    if (pid_ == 0) becomeChild(arguments.data(), parent);
+    // Files rather than pipes: the child never blocks on a test that is not reading.
+    posix_spawn_file_actions_t files;
+    posix_spawn_file_actions_init(&files);
+    const char* const paths[] = {"/dev/null", output_.c_str(), errors_.c_str()};
+    for (int i = 0; i < 3; ++i) {
+      posix_spawn_file_actions_addopen(&files, i, paths[i], O_RDWR | O_CREAT, 0600);
+    }
+    const int error = posix_spawnp(&pid_, arguments[0], &files, nullptr, arguments.data(), environ);
+    posix_spawn_file_actions_destroy(&files);
+    if (error != 0) throw std::system_error(error, std::generic_category(), "posix_spawn");
   }
   ~ChildProcess() {
     signal(SIGKILL);
@@ -65,20 +71,6 @@ class ChildProcess {
   std::string errors() const { return contents(errors_); }
 
  private:
-  // Other threads may have held any lock: only what is safe in a signal handler.
-  [[noreturn]] void becomeChild(char** arguments, pid_t parent) const {
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    if (getppid() != parent) _exit(127);
-    redirect(STDIN_FILENO, "/dev/null");
-    redirect(STDOUT_FILENO, output_.c_str());
-    redirect(STDERR_FILENO, errors_.c_str());
-    execvp(arguments[0], arguments);
-    _exit(127);
-  }
-  // Files rather than pipes: the child never blocks on a test that is not reading.
-  static void redirect(int descriptor, const char* path) {
-    dup2(open(path, O_RDWR | O_CREAT | O_CLOEXEC, 0600), descriptor);
-  }
   static std::string contents(const std::string& path) {
     std::ostringstream text;
     text << std::ifstream(path, std::ios::binary).rdbuf();

@@ -91,28 +91,20 @@ Sound throughSmallMicrophone(Sound sound, double cornerInHz) {
 }
 
 std::vector<Sound> partsBetweenSilences(const Sound& sound, double silence) {
-  const auto isSounding = [](float sample) { return sample != 0.0F; };
-  const auto shortest = static_cast<std::ptrdiff_t>(sampleCount(sound.rate, silence));
-  const auto end = sound.samples.end();
+  const std::size_t shortest = sampleCount(sound.rate, silence);
   std::vector<Sound> parts;
-  auto soundingEnd = sound.samples.begin();  // of the last part
-  for (auto at = std::find_if(soundingEnd, end, isSounding); at != end;) {
-    if (parts.empty() || at - soundingEnd >= shortest) {
-      parts.push_back({sound.rate, {}});
-      soundingEnd = at;
+  std::size_t silent = shortest;  // samples until here
+  for (const float sample : sound.samples) {
+    if (sample == 0.0F) {
+      ++silent;
+      continue;
     }
-    const auto next = std::find(at, end, 0.0F);
-    parts.back().samples.insert(parts.back().samples.end(), soundingEnd, next);
-    soundingEnd = next;
-    at = std::find_if(next, end, isSounding);
+    if (silent >= shortest) parts.push_back({sound.rate, {}});
+    if (silent < shortest) parts.back().samples.insert(parts.back().samples.end(), silent, 0.0F);
+    parts.back().samples.push_back(sample);
+    silent = 0;
   }
   return parts;
-}
-
-Sound longestPart(const Sound& sound) {
-  std::vector<Sound> parts = partsBetweenSilences(sound);
-  if (parts.empty()) return {sound.rate, {}};
-  return std::ranges::max(parts, {}, &Sound::seconds);
 }
 
 double soundingSeconds(const Sound& sound) {
@@ -206,14 +198,6 @@ void writeSoundFile(const std::string& path, const Sound& sound, int format, int
 
 void writeWav(const std::string& path, const Sound& sound, int channels) {
   writeSoundFile(path, sound, SF_FORMAT_WAV | SF_FORMAT_PCM_16, channels);
-}
-
-void writeRawS16(const std::string& path, const Sound& sound) {
-  constexpr int kFormat = SF_FORMAT_RAW | SF_FORMAT_PCM_16 | SF_ENDIAN_LITTLE;
-  SndfileHandle file(path, SFM_WRITE, kFormat, 1, 8000);
-  const std::vector<std::int16_t> samples = toS16(sound);
-  file.write(samples.data(), static_cast<sf_count_t>(samples.size()));
-  check(file, path);
 }
 
 Sound readSoundFile(const std::string& path) {

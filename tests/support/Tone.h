@@ -40,8 +40,6 @@ Sound throughSmallMicrophone(Sound sound, double cornerInHz);
 // What lies between the silences of `silence` seconds or more, from first to last sounding sample.
 // A busy machine tears gaps into what its sound server passes on: a millisecond finds them.
 std::vector<Sound> partsBetweenSilences(const Sound& sound, double silence = 0.001);
-// Of those the longest; empty when nothing sounds.
-Sound longestPart(const Sound& sound);
 // Of all of them together.
 double soundingSeconds(const Sound& sound);
 
@@ -57,8 +55,6 @@ std::vector<std::int16_t> toS16(const Sound& sound);
 // hertz. All throw std::runtime_error when the file cannot be used.
 void writeSoundFile(const std::string& path, const Sound& sound, int format, int channels = 1);
 void writeWav(const std::string& path, const Sound& sound, int channels = 1);
-// Headerless, signed 16-bit little-endian.
-void writeRawS16(const std::string& path, const Sound& sound);
 // The first channel.
 Sound readSoundFile(const std::string& path);
 
