@@ -11,7 +11,7 @@ import { Texts } from "./texts.mjs";
 
 const BEEP = "resources/beep-full.mp3";
 const BREATH = 200; // milliseconds that a permission may take before the user is told of it
-const GRACE = 0.04; // seconds
+const GRACE = 0.1; // seconds, longer than what a browser captures at a time
 const NOTICE = 8000; // milliseconds that a notice stays
 
 const seconds = () => performance.now() / 1000;
