@@ -12,7 +12,6 @@ class Tone extends AudioWorkletProcessor {
   #now = { playing: false, frequency: 0, waveform: 0 };
   #next = null; // what follows when the ramp has come down
   #gain = 0; // in steps, up to RAMP
-  #ended = false;
 
   constructor({ processorOptions }) {
     super();
@@ -21,7 +20,7 @@ class Tone extends AudioWorkletProcessor {
     exports._initialize();
     this.#module = exports;
     this.#memory = exports.memory;
-    this.port.onmessage = ({ data }) => this.#follow(data);
+    this.port.onmessage = ({ data }) => (this.#next = data);
   }
 
   // What the C library may ask for and never does here.
@@ -31,15 +30,6 @@ class Tone extends AudioWorkletProcessor {
       imports[from] = { ...imports[from], [name]: () => 0 };
     }
     return imports;
-  }
-
-  // null: the node goes.
-  #follow(wanted) {
-    if (wanted === null) {
-      this.#ended = true;
-      wanted = { playing: false };
-    }
-    this.#next = wanted;
   }
 
   #change() {
@@ -54,7 +44,7 @@ class Tone extends AudioWorkletProcessor {
       this.#render(left.subarray(done, done + MOST));
     }
     for (const channel of output.slice(1)) channel.set(left);
-    return !this.#ended || this.#gain > 0;
+    return true;
   }
 
   // What follows begins at the beginning of a call: until then there is silence.
