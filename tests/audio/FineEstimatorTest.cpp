@@ -181,6 +181,25 @@ TEST_F(FineEstimatorTest, HearsNoPitchWhereThereIsNone) {
   }
 }
 
+TEST_F(FineEstimatorTest, SurvivesExtremeSamples) {
+  const struct {
+    int (*sample)(int n);
+    bool mayHavePitch = true;
+  } rows[] = {
+      {[](int) { return -32768; }, false},
+      {[](int) { return 32767; }, false},
+      {[](int n) { return n % 2 ? 32767 : -32768; }},
+      {[](int n) { return n / 36 % 2 ? 32767 : -32768; }},
+  };
+  for (const auto& row : rows) {
+    std::vector<std::int16_t> samples;
+    for (int n = 0; n < 4096; ++n) samples.push_back(static_cast<std::int16_t>(row.sample(n)));
+    const double heard = estimate(samples, 8192);
+    EXPECT_TRUE(heard == 0.0 || (row.mayHavePitch && heard >= 27.0 && heard <= 3451.0))
+        << heard << " in row " << &row - rows;
+  }
+}
+
 TEST_F(FineEstimatorTest, TakesBlocksOfAnyLengthKeepsNothingOfThemAndAllocatesNothing) {
   const auto string = testing::toS16(testing::harmonics(kRate, 2.0, 146.8, falling(12)));
   const auto voice = testing::toS16(glide(140.0, 110.0));
