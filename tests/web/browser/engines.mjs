@@ -73,8 +73,13 @@ export const chromium = {
       args.push(`--use-fake-ui-for-media-stream${microphone === "refused" ? "=deny" : ""}`);
     }
     const environment = { HOME: home, XDG_RUNTIME_DIR: home, PULSE_SERVER: "unix:/nowhere" };
-    const driver = start(["chromedriver", "--port=0"], environment);
-    const [, port] = await heard(driver, /started successfully on port (\d+)/);
+    const begun = async () => {
+      const driver = start(["chromedriver", "--port=0"], environment);
+      const [, port] = await heard(driver, /started successfully on port (\d+)/);
+      return { driver, port };
+    };
+    // The port that it finds free for one kind of address may be taken for the other.
+    const { driver, port } = await begun().catch(begun).catch(begun);
     return Browser.begin({
       programs: [driver],
       port,
