@@ -141,9 +141,11 @@ export const cases = [
       await page.browser.run(() => probe.context.suspend());
       await page.soundRuns();
 
+      assert.equal(await page.probe("awake"), 1);
       await page.engine.hide(page.browser);
       await until("the page is seen again", () => page.browser.run(() => !document.hidden));
       assert.equal((await page.probe("whileHidden")).at(-1), "suspended", "listens while nobody looks");
+      await until("the screen is kept awake again", async () => (await page.probe("awake")) === 2);
       await page.soundRuns();
       page.playAgain();
       await page.turnsGreen();

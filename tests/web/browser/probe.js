@@ -11,6 +11,7 @@ window.probe = {
   onsets: [], // when the microphone began to hear something after silence, each
   context: null, // the AudioContext that listens
   whileHidden: [], // the states that it took while the page was hidden
+  awake: 0, // how often the screen was asked to stay so
   away: "", // when not empty: the microphone cannot be had, by the name of the error
   tone: null, // an AnalyserNode on what the tone's context plays
 };
@@ -76,6 +77,7 @@ window.probe = {
     probe.tone = new AnalyserNode(node.context, { fftSize: 32768 });
     node.connect(probe.tone);
   });
+  before(window.WakeLock, "request", () => probe.awake++);
   const { getUserMedia } = MediaDevices.prototype;
   MediaDevices.prototype.getUserMedia = async function (wanted) {
     if (probe.away) refuse(probe.away);
