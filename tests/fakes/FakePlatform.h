@@ -55,10 +55,7 @@ struct FakeSettings final : MemoryStore {
     MemoryStore::removeAll();
     note("(cleared)");
   }
-  void synchronize() override {
-    ++synchronized;
-    unsynchronized = 0;
-  }
+  void synchronize() override { unsynchronized = 0; }
   void set(std::string_view key, SettingValue value) override {
     MemoryStore::set(key, std::move(value));
     note(key);
@@ -70,7 +67,7 @@ struct FakeSettings final : MemoryStore {
   }
   std::mutex lock;
   std::vector<std::string> writes;  // keys in the order in which they were written
-  std::atomic<int> synchronized = 0, unsynchronized = 0;
+  std::atomic<int> unsynchronized = 0;
 };
 
 // A microphone that delivers when the test says so.
