@@ -22,10 +22,10 @@ class Capture extends AudioWorkletProcessor {
     if (!all) this.#collect(samples.subarray(count));
   }
 
+  // A copy: blocks that were given away would grow the audio thread's heap for twenty minutes before
+  // a browser thinks of collecting them.
   #post() {
-    const block = this.#block;
-    this.port.postMessage(block, [block.buffer]);
-    this.#block = new Float32Array(BLOCK);
+    this.port.postMessage(this.#block);
     this.#collected = 0;
   }
 }

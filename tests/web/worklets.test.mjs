@@ -7,7 +7,7 @@ const registered = {};
 globalThis.registerProcessor = (name, Processor) => (registered[name] = Processor);
 globalThis.AudioWorkletProcessor = class {
   posted = [];
-  port = { postMessage: (message) => this.posted.push(message) };
+  port = { postMessage: (message) => this.posted.push(structuredClone(message)) };
 };
 await import("../../web/capture-worklet.js");
 await import("../../web/tone-worklet.js");
