@@ -26,14 +26,18 @@ class CommandLine : public ::testing::Test {
   std::string path(const std::string& name) const { return folder_.file(name); }
 
   // Without the sound server and the settings of the machine it runs on.
-  Finished run(const Command& arguments) const {
-    return runToEnd(endpin(arguments), 20s,
+  Finished runCommand(const Command& command) const {
+    return runToEnd(command, 20s,
                     {{"HOME", home_.path()},
                      {"XDG_RUNTIME_DIR", home_.path()},
                      {"XDG_DATA_HOME", home_.path()},
                      {"XDG_CONFIG_HOME", home_.path()},
-                     {"PULSE_SERVER", "unix:" + path("no-such-socket")}});
+                     {"PULSE_SERVER", "unix:" + path("no-such-socket")},
+                     {"TERM", "xterm"},
+                     {"NO_COLOR", "1"},
+                     {"LC_ALL", "C"}});
   }
+  Finished run(const Command& arguments) const { return runCommand(endpin(arguments)); }
 
   // Exit code 2: the command is wrong. 1: it is right, but cannot be done.
   void expectRefused(const Command& arguments, int exitCode) const {
@@ -117,6 +121,44 @@ TEST_F(CommandLine, GoodInputIsToldByTheClockOfTheFileAndSilentOnStandardError) 
         EXPECT_NEAR(tick.power, n < 10 ? 0.1 : 0.05, n < 10 ? 0.003 : 0.0015) << tick.time;
       }
     }
+  }
+}
+
+// What people read: at once or at the speed of the sound, on a terminal or in a file.
+TEST_F(CommandLine, PeopleAreToldOfEachChange) {
+  const std::string note = path("note.wav");
+  writeWav(note, joined(bowedTone(48000.0, 1.2, 220.0), silence(48000.0, 0.3)));
+  const std::string all =
+      "   0.1 s     0.0Hz      yellow  tuned -- -- -- --\n"
+      "   0.6 s   220.0Hz  A3  green   tuned A3 -- -- --\n"
+      "   1.4 s         -      yellow  tuned A3 -- -- --\n";
+  const auto onTerminal = [&](const char* size) {
+    const std::string live = endpin({"listen"})[0] + " listen --realtime --input " + note;
+    return Command{"script", "-qec", size + live, "/dev/null"};
+  };
+  const struct {
+    Command command;
+    double seconds;  // at the least
+    std::string shown;
+  } rows[] = {
+      {endpin({"frequencies", "--a4=443"}), 0,
+       "D3     147.8335 Hz   147.6857 Hz       147.9813 Hz"},
+      {endpin({"frequencies", "--a4=443"}), 0, "none: this string can never light green"},
+      {endpin({"listen", "--input", note}), 0, all},
+      {endpin({"listen", "--realtime", "--input", note}), 1.5, all},
+      {endpin({"listen", "--or-recording", note}), 1.5, all},
+      {onTerminal(""), 1.5, "\r\x1b[?7l 220.0Hz  A3  * green "},
+      {onTerminal("stty cols 12; "), 1.5, "\r\x1b[?7l* A3 220.0Hz"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(::testing::PrintToString(row.command));
+    const auto begin = std::chrono::steady_clock::now();
+    const Finished finished = runCommand(row.command);
+    EXPECT_EQ(finished.exitCode, 0);
+    EXPECT_NE(finished.output.find(row.shown), std::string::npos) << finished.output;
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, row.seconds * 1s);
+    const bool recording = row.command[2] == "--or-recording";
+    EXPECT_EQ(finished.errors.ends_with("; listening to a recording\n"), recording);
   }
 }
 
