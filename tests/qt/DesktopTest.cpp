@@ -151,6 +151,39 @@ TEST_F(DesktopTest, TheDemonstrationShowsAStringInTuneAndListensToNothing) {
 }
 #endif
 
+#ifdef ENDPIN_LOOK_UPS
+// The one request, of somebody who has used this version for a while.
+TEST_F(DesktopTest, AsksTheNetworkOnceUnlessThatIsSwitchedOff) {
+  environment["QT_QPA_PLATFORM"] = "offscreen";
+  environment["LD_PRELOAD"] = ENDPIN_LOOK_UPS;
+  environment["ENDPIN_LOOK_UPS"] = folder.file("look-ups");
+  const std::string file = folder.file("kept.db");
+  NullLog log;
+  for (const auto& [word, lookedUp] :
+       {std::pair("--no-network", false), std::pair("--verbose", true)}) {
+    {
+      SqliteStore store(file, log);
+      store.setBool("NewFirstLaunchCello", true);
+      store.setString(UsageTracker::kCurrentVersion, ENDPIN_VERSION);
+      store.setDouble(UsageTracker::kFirstUseDate, 1);
+      store.setInteger(UsageTracker::kUseCount, 50);
+      store.synchronize();
+    }
+    ChildProcess child({ENDPIN, "--store", file, word}, environment);
+    const auto counted = [&] {
+      return SqliteStore(file, log).integerForKey(UsageTracker::kUseCount) == 51;
+    };
+    EXPECT_TRUE(testing::soon(20s, counted)) << child.errors();
+    const auto seen = [&] { return std::filesystem::exists(folder.file("look-ups")); };
+    EXPECT_EQ(testing::soon(lookedUp ? 20s : 1s, seen), lookedUp) << word;
+    child.signal(SIGTERM);
+    EXPECT_EQ(child.waitFor(5s), 0) << child.errors();
+  }
+  std::ifstream all(folder.file("look-ups"));
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(all), {}), "example.com\n");
+}
+#endif
+
 // Neither a use nor a run, and nothing asked or sent: the rating prompt is not there.
 TEST_F(DesktopTest, APictureIsNoUse) {
   screen();
