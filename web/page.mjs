@@ -42,22 +42,25 @@ function notice(text) {
   setTimeout(() => line.remove(), NOTICE);
 }
 
-// Lets the tuner's timers fire when they are due; nothing fires while nobody looks. Where samples
+// Lets the tuner's timers fire when they are due; nothing fires while nobody looks. As long as samples
 // come, a timer waits a little for them, that both wake the page together: returns what is to be
 // called after they came.
 function keepTime(tuner) {
   let timer = 0;
   let due = 0;
+  let heard = -Infinity; // when samples came last
   const advance = () => {
     due = tuner.advance(seconds());
     clearTimeout(timer);
-    const wait = Math.max(0, due - seconds()) + GRACE;
+    const grace = seconds() - heard < 2 * GRACE ? GRACE : 0;
+    const wait = Math.max(0, due - seconds()) + grace;
     if (!document.hidden) timer = setTimeout(advance, 1000 * wait);
   };
   document.addEventListener("visibilitychange", advance);
   advance();
   return () => {
-    if (seconds() >= due) advance();
+    heard = seconds();
+    if (heard >= due) advance();
   };
 }
 
