@@ -67,7 +67,7 @@ export function bind(tuner, root, own, follow) {
   const elements = byOutlet(root);
   tuner.onOutlet = (name, property, value) => {
     show(elements.get(name) ?? [], name, property, value);
-    follow(name, property, value);
+    follow();
   };
 
   const act = (event) => {
